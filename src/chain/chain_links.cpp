@@ -1,0 +1,84 @@
+#include "qmt/chain/chain_links.h"
+
+#include <utility>
+
+#include "chain/link_task.h"
+
+namespace QMT {
+
+namespace {
+
+// Set before the chains run and then only read.
+ThreadPool* threadPoolToUse = nullptr;
+
+} // namespace
+
+ChainLink::ChainLink() = default;
+
+ChainLink::~ChainLink() = default;
+
+void ChainLink::LinkToPreceeding(ChainLink* link) {
+    preceeding = link;
+    link->following = this;
+}
+
+void ChainLink::LinkToFollowing(ChainLink* link) {
+    following = link;
+    link->preceeding = this;
+}
+
+ChainLink* ChainLink::GetPreceeding() {
+    return preceeding;
+}
+
+void ChainLink::PushProcess() {}
+
+void ChainLink::PullProcess() {}
+
+void ChainLink::SetTraceName(String name) {
+    buffers.SetTraceName(name);
+    traceName = std::move(name);
+}
+
+String ChainLink::GetTraceName() const {
+    return traceName;
+}
+
+void ChainLink::SetThreadPoolToUse(ThreadPool* pool) {
+    threadPoolToUse = pool;
+}
+
+ThreadPool* ThreadPoolOfLinks() {
+    return threadPoolToUse;
+}
+
+ExternalPushLink::ExternalPushLink() = default;
+
+ExternalPushLink::~ExternalPushLink() = default;
+
+void ExternalPushLink::EndWrite() {
+    GetBuffers().EndWrite();
+    if (following != nullptr)
+        following->PushProcess();
+}
+
+void ExternalPushLink::StopLinkedProcessing() {
+    if (following != nullptr)
+        following->StopLinkedProcessing();
+}
+
+ExternalPullLink::ExternalPullLink() = default;
+
+ExternalPullLink::~ExternalPullLink() = default;
+
+unsigned char** ExternalPullLink::BeginRead() {
+    preceeding->PullProcess();
+    return preceeding->GetBuffers().BeginRead();
+}
+
+void ExternalPullLink::StopLinkedProcessing() {
+    if (preceeding != nullptr)
+        preceeding->StopLinkedProcessing();
+}
+
+} // namespace QMT
