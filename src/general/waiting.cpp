@@ -28,8 +28,8 @@ int FirstThatEndsWait(Events const& events, std::size_t end) {
 }
 
 // The lowest signalled index: an event that was signalled before the one found is seen by the second look.
-int FirstSignalled(Events const& events, std::size_t end) {
-    for (std::size_t i = 0; i < end; ++i) {
+int FirstSignalled(Events const& events) {
+    for (std::size_t i = 0; i < events.Size(); ++i) {
         if (!EventAccess::IsSignalled(*events[i]))
             continue;
         int const lowest = FirstThatEndsWait(events, i + 1);
@@ -37,10 +37,6 @@ int FirstSignalled(Events const& events, std::size_t end) {
             return lowest;
     }
     return none;
-}
-
-int FirstSignalled(Events const& events) {
-    return FirstSignalled(events, events.Size());
 }
 
 // Marks all events as slept on and gathers the words to sleep on; false when one is signalled already.

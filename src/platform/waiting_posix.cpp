@@ -10,8 +10,6 @@
 #include <mutex>
 #include <thread>
 
-#include "general/never_destroyed.h"
-
 #if defined(__linux__)
 #include <linux/futex.h>
 #include <sys/syscall.h>
@@ -134,8 +132,9 @@ struct SharedEpoch {
 };
 
 SharedEpoch& Shared() {
-    static NeverDestroyed<SharedEpoch> shared;
-    return *shared;
+    // Never destroyed: threads may still wait while the process ends.
+    static SharedEpoch& shared = *new SharedEpoch;
+    return shared;
 }
 
 bool SleepOnEpoch(std::span<WaitWord const> words, WaitDeadline const& deadline) {

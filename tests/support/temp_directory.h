@@ -1,0 +1,43 @@
+// A directory of its own for each test.
+#pragma once
+
+#include <filesystem>
+#include <random>
+#include <string>
+
+#include "qmt/general/files.h"
+
+namespace QMT {
+
+// An empty directory, deleted with all that it holds at the end.
+class TempDirectory {
+public:
+    TempDirectory() : place(std::filesystem::temp_directory_path() / MakeName()) {
+        std::filesystem::create_directory(place);
+    }
+
+    TempDirectory(TempDirectory const&) = delete;
+    TempDirectory& operator=(TempDirectory const&) = delete;
+
+    ~TempDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(place, ignored);
+    }
+
+    std::filesystem::path const& Place() const { return place; }
+
+    // The directory's path, or that of a name in it, as text.
+    String Path() const { return DecodeFromUTF8(place.string().c_str(), false); }
+
+    String Path(String const& name) const { return Path() + BaseFile::GetDirSeparator() + name; }
+
+private:
+    static std::string MakeName() {
+        std::random_device random;
+        return "qmt_test_" + std::to_string(random()) + "_" + std::to_string(random());
+    }
+
+    std::filesystem::path place;
+};
+
+} // namespace QMT

@@ -1,0 +1,37 @@
+// What tests of every folder need with text: readable failures, and values and errors turned into text.
+#pragma once
+
+#include <memory>
+#include <ostream>
+
+#include "qmt/general/errors.h"
+#include "qmt/general/string.h"
+
+namespace QMT {
+
+// Lets GoogleTest print text: ASCII as it is, other code units in hexadecimal.
+inline void PrintTo(String const& text, std::ostream* out) {
+    for (CodeUnit const unit : text.View()) {
+        if (unit >= 0x20 && unit < 0x7F) {
+            *out << static_cast<char>(unit);
+        } else {
+            *out << "{" << std::hex << unsigned{unit} << std::dec << "}";
+        }
+    }
+}
+
+// The values as text, with a bar behind each.
+template <class... Values>
+String Joined(Values const&... values) {
+    String text;
+    ((text << values << u"|"), ...);
+    return text;
+}
+
+// The text of the error, which is deleted; empty for null.
+inline String TakeError(ErrorInfo* error) {
+    std::unique_ptr<ErrorInfo> const owner(error);
+    return owner ? static_cast<String const&>(*owner) : String();
+}
+
+} // namespace QMT
