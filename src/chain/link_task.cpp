@@ -126,7 +126,8 @@ void LinkTask::WaitForTaskEnd() {
 }
 
 bool LinkTask::WillDoItsShare() {
-    if (!running)
+    // Not `running`, which is also set when the pool has refused the task.
+    if (EventSignalled(taskEnded))
         return false;
     bool const hasCount = EventSignalled(processSemaphore);
     return inCycle.load(std::memory_order_acquire) || (hasCount && !stopping && gate.IsOpen());

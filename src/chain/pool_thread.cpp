@@ -28,8 +28,8 @@ bool PoolThread::AssignTask(String const& name, PoolTask newTask, void* argument
     CritSectionLock const lock(&core->section);
     if (busy || retired)
         return false;
+    taskName = name; // may fail, and the thread is then still idle
     busy = true;
-    taskName = name;
     task = newTask;
     taskArgument = argument;
     doneEvent = taskDone;

@@ -27,6 +27,12 @@ void FreeBlock(unsigned char* block) noexcept {
     delete[] block;
 }
 
+RotatingFixedBuffers::RotatingFixedBuffers() = default;
+
+RotatingFixedBuffers::RotatingFixedBuffers(int count, std::size_t size) : RotatingFixedBuffers() {
+    SetProperties(count, size);
+}
+
 RotatingFixedBuffers::~RotatingFixedBuffers() {
     ReleaseBuffers();
 }

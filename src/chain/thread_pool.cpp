@@ -61,13 +61,24 @@ ErrorInfo* ThreadPool::RunOnNewThread(String name, PoolTask task, void* argument
     owned->SetThreadStartFunc(threadsStartFunc.load());
     threads.Add(owned.get());
     core->liveThreads.Signal();
-    if (ErrorInfo* const error = owned->StartRunning()) {
-        core->liveThreads.Reset();
-        threads.Remove(threads.Size() - 1);
+    ErrorInfo* error = nullptr;
+    try {
+        error = owned->StartRunning();
+    } catch (...) {
+        ForgetNewThread();
+        throw;
+    }
+    if (error != nullptr) {
+        ForgetNewThread();
         return error;
     }
     owned.release()->AssignTask(name, task, argument, doneEvent);
     return nullptr;
+}
+
+void ThreadPool::ForgetNewThread() {
+    core->liveThreads.Reset();
+    threads.Remove(threads.Size() - 1);
 }
 
 void ThreadPool::RetireSurplusThreads() {

@@ -44,9 +44,10 @@ QMT_UTILU_API void FreeBlock(unsigned char* block) noexcept;
 class QMT_UTILU_API RotatingFixedBuffers {
 public:
     // Not configured: neither readable nor writable.
-    RotatingFixedBuffers() = default;
+    RotatingFixedBuffers();
 
-    RotatingFixedBuffers(int count, std::size_t size) { SetProperties(count, size); }
+    // Configured as by `SetProperties`.
+    RotatingFixedBuffers(int count, std::size_t size);
 
     ~RotatingFixedBuffers();
     RotatingFixedBuffers(RotatingFixedBuffers const&) = delete;

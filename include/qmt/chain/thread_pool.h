@@ -72,6 +72,7 @@ public:
 private:
     bool OfferToThreads(String const& name, void (*task)(void*, Event*), void* argument, Event* doneEvent);
     ErrorInfo* RunOnNewThread(String name, void (*task)(void*, Event*), void* argument, Event* doneEvent);
+    void ForgetNewThread();
     void RetireSurplusThreads();
     int FindIdleThread() const;
     void RetireThread(std::size_t index);

@@ -30,7 +30,7 @@ namespace detail {
 // By how much a full array grows: by its set step, or by half of what it holds if that is more, since a fixed
 // step makes a long run of additions quadratic.
 constexpr std::uint64_t GrownCapacity(std::uint64_t capacity, std::uint64_t increase) {
-    return capacity + std::max({std::uint64_t{1}, increase, capacity / 2});
+    return capacity + (std::max)({std::uint64_t{1}, increase, capacity / 2});
 }
 
 // Elements that are copied and forgotten as they are.
@@ -132,7 +132,7 @@ private:
     struct Block {
         Block() = default;
 
-        explicit Block(std::uint64_t sourceIncrease) : increase(std::max(defaultIncrease, sourceIncrease)) {}
+        explicit Block(std::uint64_t sourceIncrease) : increase((std::max)(defaultIncrease, sourceIncrease)) {}
 
         ~Block() { FreeElements(); }
 
@@ -307,7 +307,7 @@ public:
     void Insert(std::size_t index, T const& element) {
         auto copy = std::make_unique<T>(element);
         block.Insert(index, copy.get());
-        copy.release();
+        static_cast<void>(copy.release()); // the block's now
     }
 
     void Remove(std::size_t index) { block.Remove(index); }
@@ -357,7 +357,7 @@ public:
     void Insert(KeyType const& key, ValueType const& value) {
         auto pair = std::make_unique<Pair>(key, value);
         block.Insert(PlaceOf(key), pair.get());
-        pair.release();
+        static_cast<void>(pair.release()); // the block's now
     }
 
     void Remove(std::size_t index) { block.Remove(index); }
