@@ -2,13 +2,14 @@
 // them on and check their order, and ways to hold a thread at the place where a race is wanted.
 #pragma once
 
-#include <array>
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <type_traits>
 
@@ -30,32 +31,25 @@ constexpr int StressRounds(int rounds) {
     return SyncAction::possible ? rounds / 10 : rounds;
 }
 
-using Words = std::array<Number, blockSize / sizeof(Number)>;
-
-// The content of the block with this number: every word depends on it.
-inline Words WordsOf(Number number) {
-    Words words;
-    for (Number& word : words) {
-        word = number;
-        number = number * 6364136223846793005U + 1442695040888963407U;
-    }
-    return words;
-}
-
+// Every byte of the block depends on the number.
 inline void FillBlock(unsigned char* block, Number number) {
-    Words const words = WordsOf(number);
-    std::memcpy(block, words.data(), blockSize);
+    for (std::size_t i = 0; i < blockSize; i += sizeof number, number = number * 6364136223846793005U + 1)
+        std::memcpy(block + i, &number, sizeof number);
 }
 
 inline Number NumberOf(unsigned char const* block) {
-    Words words;
-    std::memcpy(words.data(), block, blockSize);
-    return words == WordsOf(words[0]) ? words[0] : torn;
+    Number number = 0;
+    std::memcpy(&number, block, sizeof number);
+    unsigned char expected[blockSize];
+    FillBlock(expected, number);
+    return std::memcmp(block, expected, blockSize) == 0 ? number : torn;
 }
 
 // Takes the numbers 0, 1, 2 and so on, each once, on one thread at a time.
 struct InOrder {
     void Take(Number number) { faults += number == next++ ? 0 : 1; }
+
+    bool IsAll(Number count) const { return faults == 0 && next == count; }
 
     Number next = 0;
     int faults = 0;
@@ -74,126 +68,71 @@ inline void LetOthersRun() {
         std::this_thread::yield();
 }
 
-// Holds the first thread that stays here, until it is released.
+// Holds the first thread that stays here, until it is released. The copies are one hold.
 class Hold {
 public:
-    ~Hold() { Release(); }
-
-    void Stay() const { Stay(*state); }
-
-    void WaitUntilReached() const { state->reached.wait(false); }
-
-    void Release() const { Raise(state->released); }
-
-protected:
-    struct State {
-        std::atomic<bool> taken{false};
-        std::atomic<bool> reached{false};
-        std::atomic<bool> released{false};
-    };
-
-    static void Stay(State& state) {
-        if (state.taken.exchange(true))
-            return;
-        Raise(state.reached);
-        state.released.wait(false);
+    void Stay() const {
+        if (int expected = free; state->compare_exchange_strong(expected, reached))
+            WaitUntil([this] { return *state == released; });
     }
 
-    // The held thread may come to it late.
-    std::shared_ptr<State> state = std::make_shared<State>();
+    void WaitUntilReached() const {
+        WaitUntil([this] { return *state != free; });
+    }
+
+    void Release() const { *state = released; }
 
 private:
-    static void Raise(std::atomic<bool>& flag) {
-        flag = true;
-        flag.notify_all();
-    }
+    enum { free, reached, released };
+
+    std::shared_ptr<std::atomic<int>> state = std::make_shared<std::atomic<int>>(free);
 };
 
 // Holds the first thread that comes to a sync point.
-class HeldPoint : public Hold {
-public:
+struct HeldPoint : Hold {
     explicit HeldPoint(char const* name)
-        : action(name, [held = state] {
-              Stay(*held);
-              return false;
-          }) {}
+        : action(name, [hold = Hold(*this)] { return hold.Stay(), false; }) {}
 
-private:
     SyncAction action;
 };
 
-inline thread_local bool isFreshThread = false;
-inline thread_local std::atomic<bool>* sleepMark = nullptr;
-
-// Stops a chain on a thread of its own.
-class Stopper {
-public:
-    explicit Stopper(ChainLink& link)
-        : thread([this, &link] {
-              sleepMark = &asleep;
-              link.StopLinkedProcessing();
-          }) {}
-
-    // The stop is under way and waits for a task or a pull. Needs sync points.
-    void WaitUntilAsleep() const { asleep.wait(false); }
-
-private:
-    std::atomic<bool> asleep{false};
-    std::jthread thread;
-};
-
 // A neighbour that counts what reaches it.
-class Spy : public ChainLink {
-public:
-    std::function<void()> onCall;
-    std::atomic<int> pushes{0};
-    std::atomic<int> pulls{0};
-    std::atomic<int> stops{0};
+struct Spy : ChainLink {
+    void PushProcess() override { onCall(), ++pushes; }
 
-    void PushProcess() override { Count(pushes); }
+    void PullProcess() override { onCall(), ++pulls; }
 
-    void PullProcess() override { Count(pulls); }
-
-    void StopLinkedProcessing() override { Count(stops); }
+    void StopLinkedProcessing() override { onCall(), ++stops; }
 
     void Process() override {}
 
-private:
-    void Count(std::atomic<int>& calls) const {
-        if (onCall)
-            onCall();
-        ++calls;
-    }
+    std::function<void()> onCall = [] {};
+    std::atomic<int> pushes{0};
+    std::atomic<int> pulls{0};
+    std::atomic<int> stops{0};
 };
 
-// Writes the numbered blocks.
-class Writer : public ExternalPushLink {
-public:
+struct Writer : ExternalPushLink {
     explicit Writer(int slots) { GetBuffers().SetProperties(slots, blockSize); }
 
     void Process() override {}
 
-    // Without room it pushes all the same: a count may have found the next ring full.
-    void WriteNext() {
-        unsigned char** const slot = BeginWrite();
-        if (slot == nullptr) {
-            PushAgain();
-            return;
-        }
-        FillBlock(*slot, next++);
-        EndWrite();
-    }
-
-    void PushAgain() {
-        if (following != nullptr)
+    // Writes the next numbered block. When there is none below `end`, or no room, it pushes all the same: a
+    // count may have found the next ring full.
+    void WriteNext(Number end = torn) {
+        unsigned char** const slot = next < end ? BeginWrite() : nullptr;
+        if (slot != nullptr) {
+            FillBlock(*slot, next++);
+            EndWrite();
+        } else if (following != nullptr) {
             following->PushProcess();
+        }
     }
 
     Number next = 0;
 };
 
-class Reader : public ExternalPullLink {
-public:
+struct Reader : ExternalPullLink {
     void Process() override {}
 
     void ReadNext() {
@@ -208,57 +147,113 @@ public:
 
 // Sends so many more blocks through the chain between the two.
 inline void Transfer(Writer& writer, Reader& reader, int count) {
-    Number const end = writer.next + static_cast<Number>(count);
-    while (reader.order.next < end) {
-        if (writer.next < end)
-            writer.WriteNext();
-        else
-            writer.PushAgain();
+    for (Number const end = writer.next + static_cast<Number>(count); reader.order.next < end;) {
+        writer.WriteNext(end);
         reader.ReadNext();
         std::this_thread::yield();
     }
 }
 
+// Sends blocks in so many portions, and in each another thread stops the chain at some moment.
+template <typename StopAll>
+void TransferUnderStops(Writer& writer, Reader& reader, int portions, StopAll stopAll) {
+    std::atomic<int> sent{0};
+    std::jthread const control([&] {
+        for (int seen = 0; seen < portions; WaitUntil([&] { return sent > seen; }), seen = sent) {
+            for (int yields = seen % 8; yields > 0; --yields)
+                std::this_thread::yield();
+            stopAll();
+        }
+    });
+    for (; sent < portions; ++sent)
+        Transfer(writer, reader, 1 + sent % 5);
+}
+
+inline thread_local bool isFreshThread = false;
+
 // Passes each buffer on and checks that it gets them in order, in one call at a time.
 template <typename Base>
-class Relay : public Base {
-public:
+struct Relay : Base {
     explicit Relay(int slots) { this->GetBuffers().SetProperties(slots, blockSize); }
 
-    std::function<void()> onProcess;
-    std::atomic<int> calls{0}; // that have ended
-    std::atomic<int> faults{0};
-    std::atomic<bool> ranOnFreshThread{false};
-    InOrder order;
-
     void Process() override {
-        faults += inside.exchange(true) ? 1 : 0;
+        order.faults += inside.exchange(true) ? 1 : 0;
         ranOnFreshThread = isFreshThread;
-        if (onProcess)
-            onProcess();
-        if (ChainLink* const input = this->GetPreceeding())
-            PassOn(input->GetBuffers(), this->GetBuffers());
+        onProcess();
+        ChainLink* const input = this->GetPreceeding();
+        unsigned char** const from = input == nullptr ? nullptr : input->GetBuffers().BeginRead();
+        unsigned char** const to = this->GetBuffers().BeginWrite();
+        if (from != nullptr && to != nullptr) {
+            order.Take(NumberOf(*from));
+            std::memcpy(*to, *from, blockSize);
+            input->GetBuffers().EndRead();
+            this->GetBuffers().EndWrite();
+        }
         inside = false;
         ++calls;
     }
 
-    bool SawAll(Number count) const { return faults == 0 && order.faults == 0 && order.next == count; }
+    std::function<void()> onProcess = [] {};
+    std::atomic<int> calls{0}; // that have ended
+    std::atomic<bool> ranOnFreshThread{false};
+    std::atomic<bool> inside{false};
+    InOrder order;
+};
 
-private:
-    void PassOn(RotatingFixedBuffers& input, RotatingFixedBuffers& output) {
-        unsigned char** const from = input.BeginRead();
-        unsigned char** const to = output.BeginWrite();
-        if (from == nullptr || to == nullptr)
-            return;
-        Number const number = NumberOf(*from);
-        order.Take(number);
-        FillBlock(*to, number);
-        input.EndRead();
-        output.EndWrite();
+using PushLink = Relay<InternalPushLink>;
+using PullLink = Relay<InternalPullLink>;
+using Crossover = Relay<CrossoverLink>;
+
+// A parallel stage with parties of its own, whose results must be the same buffer as the input.
+template <typename ArrayBase, typename Party>
+struct Stage : ArrayBase {
+    Stage(ChainLink& input, int partyCount, int slots) {
+        this->GetBuffers().SetProperties(slots, blockSize);
+        this->LinkToPreceeding(&input);
+        while (static_cast<int>(parties.size()) < partyCount)
+            this->AddParallelLink(&parties.emplace_back(slots));
     }
 
-    std::atomic<bool> inside{false};
+    void Process() override {
+        ranOnFreshThread = isFreshThread;
+        ++calls;
+        ArrayBase::Process();
+    }
+
+    void AfterParallelLinks() override {
+        unsigned char* const input = this->GetPreceeding()->GetBuffers().ForPeekRead();
+        order.Take(NumberOf(input));
+        for (Party& party : parties) {
+            unsigned char** const slot = party.GetBuffers().BeginRead();
+            order.faults += slot != nullptr && std::memcmp(*slot, input, blockSize) == 0 ? 0 : 1;
+            party.GetBuffers().EndRead();
+        }
+        std::memcpy(*this->GetBuffers().BeginWrite(), input, blockSize);
+    }
+
+    void BeforeEndWrite() override { onBeforeEndWrite(), ++cycles; }
+
+    void StopAll() {
+        this->StopLinkedProcessing();
+        for (Party& party : parties)
+            party.StopLinkedProcessing();
+    }
+
+    bool AllSaw(Number count) const {
+        auto const sawAll = [&](auto const& link) { return link.order.IsAll(count); };
+        return sawAll(*this) && std::ranges::all_of(parties, sawAll);
+    }
+
+    std::deque<Party> parties;
+    std::function<void()> onBeforeEndWrite = [] {};
+    std::atomic<int> calls{0}; // that have begun
+    std::atomic<int> cycles{0};
+    std::atomic<bool> ranOnFreshThread{false};
+    InOrder order;
 };
+
+using PushStage = Stage<ParallelPushLinkArray, PushLink>;
+using PullStage = Stage<ParallelPullLinkArray, PullLink>;
 
 // Gives the link one count.
 template <typename Link>
@@ -274,13 +269,12 @@ class ChainTest : public testing::Test {
 protected:
     ChainTest() { UseNewPool(); }
 
-    ~ChainTest() override { ChainLink::SetThreadPoolToUse(nullptr); }
-
+    // When no link has a task, or the pool has been told to exit.
     void UseNewPool() {
-        pools.emplace_back("chain test", 8);
-        pools.back().SetThreadsStartFunc([] { ++startedThreads; });
-        ChainLink::SetThreadPoolToUse(&pools.back());
         startedThreads = 0;
+        pool.emplace("chain test", 8);
+        pool->SetThreadsStartFunc([] { ++startedThreads; });
+        ChainLink::SetThreadPoolToUse(&*pool);
     }
 
     // A link without a task gets one from the pool of the moment. Afterwards the link is stopped in any case.
@@ -293,30 +287,12 @@ protected:
         Notify(link);
         WaitUntil([&] { return link.calls > before; });
         link.StopLinkedProcessing();
-        ChainLink::SetThreadPoolToUse(&pools.back());
+        ChainLink::SetThreadPoolToUse(&*pool);
         return link.ranOnFreshThread;
     }
 
     static inline std::atomic<int> startedThreads{0};
-    std::deque<ThreadPool> pools; // the last one is in use
-};
-
-// Races that are forced through sync points.
-class ForcedRace : public ChainTest {
-protected:
-    void SetUp() override {
-        if (!SyncAction::possible)
-            GTEST_SKIP() << "built without sync points";
-    }
-
-private:
-    SyncAction sleep{"WaitOnEvents: before sleeping", [] {
-                         if (sleepMark != nullptr) {
-                             *sleepMark = true;
-                             sleepMark->notify_all();
-                         }
-                         return false;
-                     }};
+    std::optional<ThreadPool> pool;
 };
 
 } // namespace QMT

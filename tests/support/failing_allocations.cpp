@@ -5,10 +5,9 @@
 #include <new>
 
 void* operator new(std::size_t size) {
-    void* const memory = QMT::FailingAllocation::IsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    return memory;
+    bool const fails = QMT::failingAllocation > 0 && --QMT::failingAllocation == 0;
+    void* const memory = fails ? nullptr : std::malloc(size);
+    return memory == nullptr ? throw std::bad_alloc() : memory;
 }
 
 void* operator new[](std::size_t size) {

@@ -1,0 +1,310 @@
+#include <atomic>
+#include <string>
+#include <thread>
+#include <typeinfo>
+
+#include <gtest/gtest.h>
+
+#include "qmt/chain/chain_links.h"
+#include "support/chain_fixtures.h"
+#include "support/seed.h"
+
+namespace QMT {
+namespace {
+
+using InternalLinks = ChainTest;
+
+TEST_F(InternalLinks, CountIsWorthOneProcessAndOneStepToTheNeighbour) {
+    Spy source;
+    Spy next;
+    PushLink push(2);
+    PullLink pull(2);
+    push.LinkToFollowing(&next);
+    pull.LinkToPreceeding(&source);
+    next.onCall = [&] { EXPECT_EQ(push.calls, next.pushes + 1) << "the push comes after the process"; };
+    source.onCall = [&] { EXPECT_EQ(pull.calls, source.pulls) << "the pull comes before the process"; };
+    for (int i = 0; i < 5; ++i) {
+        push.PushProcess();
+        push.PullProcess(); // nothing
+        pull.PullProcess();
+        pull.PushProcess(); // nothing
+    }
+    WaitUntil([&] { return next.pushes == 5 && pull.calls == 5; });
+    next.onCall = source.onCall = [] {};
+    for (int stops = 1; stops <= 2; ++stops) { // the second one is only passed on
+        push.StopLinkedProcessing();
+        pull.StopLinkedProcessing();
+        EXPECT_TRUE(next.stops == stops && source.stops == stops);
+    }
+    EXPECT_TRUE(push.calls == 5 && next.pushes == 5 && pull.calls == 5 && source.pulls == 5);
+    EXPECT_EQ(startedThreads, 2);
+    EXPECT_TRUE(IsStopped(push) && IsStopped(pull));
+    push.CoupleToPredecessor();
+    push.PushProcess();
+    EXPECT_TRUE(push.calls == 7 && next.pushes == 7) << "a coupled link runs inside the push";
+    push.StopLinkedProcessing();
+    EXPECT_TRUE(next.stops == 4 && startedThreads == 2);
+}
+
+TEST_F(InternalLinks, StopWaitsForProcessAndDropsTheCounts) {
+    Spy next;
+    Spy source;
+    PushLink push(2);
+    PullLink pull(2);
+    push.LinkToFollowing(&next);
+    pull.LinkToPreceeding(&source);
+    auto const stopDuringProcess = [&](auto& link, Spy const& neighbour, int stopsPassedOnBefore) {
+        Hold inProcess;
+        link.onProcess = [=] { inProcess.Stay(); };
+        for (int i = 0; i < 5; ++i)
+            Notify(link);
+        inProcess.WaitUntilReached();
+        std::jthread stopping([&] { link.StopLinkedProcessing(); });
+        WaitUntil([&] { return neighbour.stops >= stopsPassedOnBefore; });
+        LetOthersRun();
+        EXPECT_EQ(neighbour.stops, stopsPassedOnBefore);
+        inProcess.Release();
+        stopping.join();
+        EXPECT_EQ(neighbour.stops, 1);
+        EXPECT_EQ(link.calls, 1) << "only the count that was in process";
+        EXPECT_TRUE(IsStopped(link) && link.calls == 2);
+    };
+    stopDuringProcess(push, next, 0);   // it stops before the link behind it
+    stopDuringProcess(pull, source, 1); // and it after the link in front of it
+}
+
+// Races that are forced through sync points, on links of each kind, fresh and after a stop.
+class LinkRaces : public ChainTest {
+protected:
+    void SetUp() override {
+        if (!SyncAction::possible)
+            GTEST_SKIP() << "built without sync points";
+    }
+
+    // Calls `test(link)` with links that have not yet processed anything since `calls` was last set to 0.
+    template <typename Test>
+    void ForEachLink(Test test) {
+        ForLinksOf<PushLink>(test);
+        ForLinksOf<PullLink>(test);
+        ForLinksOf<Crossover>(test);
+    }
+
+    template <typename Link>
+    static void NotifyAndWait(Link& link) {
+        Notify(link);
+        WaitUntil([&] { return link.calls == 1; });
+        link.calls = 0;
+    }
+
+    // The link has made so many calls, makes one for each further count, and can be stopped for good.
+    template <typename Link>
+    void ExpectSound(Link& link, int calls) {
+        WaitUntil([&] { return link.calls >= calls; });
+        link.StopLinkedProcessing();
+        EXPECT_EQ(link.calls, calls);
+        EXPECT_TRUE(IsStopped(link));
+        EXPECT_EQ(link.calls, calls + 1);
+        EXPECT_EQ(link.order.faults, 0);
+    }
+
+    static inline thread_local bool isIntruder = false;
+    static inline std::atomic<bool> intruderSleeps{false};
+
+private:
+    template <typename Link, typename Test>
+    void ForLinksOf(Test test) {
+        for (bool const hasRun : {false, true}) {
+            SCOPED_TRACE(testing::Message() << typeid(Link).name() << (hasRun ? ", has run" : ", fresh"));
+            UseNewPool();
+            Link link(2);
+            if (hasRun) {
+                NotifyAndWait(link);
+                link.StopLinkedProcessing();
+            }
+            intruderSleeps = false;
+            test(link);
+        }
+    }
+
+    SyncAction sleep{"WaitOnEvents: before sleeping", [] {
+                         intruderSleeps = intruderSleeps || isIntruder;
+                         return false;
+                     }};
+};
+
+TEST_F(LinkRaces, AnythingMayComeInEachPhaseOfStartAndStop) {
+    enum Act { Count, Stop, Exit };
+
+    enum Until { ItEnds, ItSleeps, AWhileHasPassed };
+
+    struct Race {
+        std::string point; // at which a thread is held
+        Act first;         // brings it there, at a running link unless it is a count
+        Act intruder;      // comes meanwhile
+        Until until;       // when the held thread goes on
+        int calls;         // that are made in the end
+    };
+
+    Race const races[] = {
+        {"LinkTask::Start: before RunTask", Count, Count, AWhileHasPassed, 2},
+        {"LinkTask::Begin", Count, Count, ItEnds, 2},
+        {"LinkTask::Begin", Count, Stop, ItSleeps, 0},
+        {"LinkTask::Begin", Count, Exit, ItEnds, 0},
+        {"LinkTask::Notify: before the signal", Count, Stop, ItEnds, 1},
+        {"LinkTask::End", Stop, Count, ItEnds, 0},
+        {"LinkTask::End", Stop, Stop, AWhileHasPassed, 0},
+        {"LinkTask::End", Stop, Exit, ItEnds, 0},
+        {"LinkTask::End", Exit, Count, ItEnds, 0},
+        {"LinkTask::End", Exit, Stop, ItSleeps, 0},
+        {"PoolThread: task has returned", Stop, Count, ItEnds, 0},
+        {"PoolThread: task has returned", Exit, Count, ItSleeps, 1},
+        {"PoolThread: task has returned", Exit, Stop, ItSleeps, 0},
+        {"LinkTask::Stop: the task has ended", Stop, Count, ItEnds, 0},
+        {"LinkTask::Stop: the task has ended", Stop, Stop, AWhileHasPassed, 0},
+        {"LinkTask::Stop: the counts are dropped", Stop, Count, ItEnds, 1},
+        {"LinkTask::Stop: the counts are dropped", Stop, Stop, AWhileHasPassed, 0},
+    };
+    for (Race const& race : races) {
+        SCOPED_TRACE(testing::Message() << race.point << ", " << race.first << ", " << race.intruder);
+        ForEachLink([&](auto& link) {
+            auto const act = [&](Act what) {
+                if (what == Count) {
+                    Notify(link);
+                } else if (what == Stop) {
+                    link.StopLinkedProcessing();
+                } else {
+                    pool->AppCanExit();
+                    UseNewPool();
+                }
+            };
+            if (race.first != Count)
+                NotifyAndWait(link);
+            HeldPoint const held(race.point.c_str());
+            std::jthread first(act, race.first);
+            held.WaitUntilReached();
+            if (race.first == Exit || race.point == "LinkTask::Begin")
+                first.join(); // it is the task that is held
+            std::jthread intruder([&] { isIntruder = true, act(race.intruder); });
+            if (race.until == ItEnds)
+                intruder.join();
+            else if (race.until == ItSleeps)
+                WaitUntil([] { return intruderSleeps.load(); });
+            else
+                LetOthersRun();
+            held.Release();
+            for (std::jthread* const thread : {&first, &intruder})
+                if (thread->joinable())
+                    thread->join();
+            ExpectSound(link, race.calls);
+        });
+    }
+}
+
+TEST_F(LinkRaces, StartThatFailsOrIsRefusedIsNotTriedAgainBeforeAStop) {
+    for (bool const isRefused : {false, true}) {
+        ForEachLink([&](auto& link) {
+            int attempts = 0;
+            UseNewPool();
+            if (isRefused)
+                pool->AppCanExit();
+            {
+                SyncAction const starting("LinkTask::Start: before RunTask",
+                                          [&] { return ++attempts, false; });
+                SyncAction const failing("Thread::StartRunning", [] { return true; });
+                for (int i = 0; i < 3; ++i)
+                    Notify(link);
+                link.StopLinkedProcessing();
+            }
+            EXPECT_EQ(attempts, 1);
+            UseNewPool();
+            Notify(link);
+            ExpectSound(link, 1);
+        });
+    }
+}
+
+TEST_F(LinkRaces, PullUnderWayDoesNotRestartTheLinkInFront) {
+    struct Upstream : PullLink {
+        using PullLink::PullLink;
+
+        void PullProcess() override { inPull.Stay(), PullLink::PullProcess(); }
+
+        Hold inPull;
+    };
+
+    Upstream upstream(2);
+    PullLink link(2);
+    link.LinkToPreceeding(&upstream);
+    upstream.PullLink::PullProcess();
+    link.PullProcess();
+    upstream.inPull.WaitUntilReached();
+    {
+        std::jthread const first([&] { isIntruder = true, link.StopLinkedProcessing(); });
+        WaitUntil([] { return intruderSleeps.load(); });
+        std::jthread const second([&] { link.StopLinkedProcessing(); });
+        LetOthersRun();
+        upstream.inPull.Release();
+    }
+    EXPECT_TRUE(IsStopped(upstream) && IsStopped(link));
+}
+
+TEST_F(InternalLinks, LoseNothingWhileAnotherThreadStopsAPulledChain) {
+    Writer writer(3);
+    PullLink first(2);
+    PullLink last(3);
+    Reader reader;
+    first.SetPreceedingLink(&writer);
+    last.LinkToPreceeding(&first);
+    reader.LinkToPreceeding(&last);
+    TransferUnderStops(writer, reader, 3000, [&] { reader.StopLinkedProcessing(); });
+    reader.StopLinkedProcessing();
+    EXPECT_TRUE(first.order.IsAll(writer.next) && last.order.IsAll(writer.next));
+    EXPECT_EQ(reader.order.faults, 0);
+    EXPECT_TRUE(IsStopped(first) && IsStopped(last));
+}
+
+// Each round also destroys the links right after the stop.
+TEST_F(InternalLinks, CrossoverIsStoppedHoweverItIsJoined) {
+    std::mt19937 generator = SeededGenerator();
+    for (int joins = 0; joins < StressRounds(800); ++joins) {
+        bool const feederIsCoupled = (joins & 1) != 0;
+        bool const pullIsTold = (joins & 2) != 0; // of a stop, because the crossover knows it
+        bool const fromReader = (joins & 4) != 0;
+        Writer writer(3);
+        PushLink feeder(2);
+        Crossover crossover(2);
+        PullLink pull(2);
+        Reader reader;
+        writer.LinkToFollowing(&feeder);
+        if (feederIsCoupled)
+            feeder.CoupleToPredecessor();
+        feeder.LinkToFollowing(&crossover);
+        pull.SetPreceedingLink(&crossover);
+        if (pullIsTold)
+            pull.LinkToPreceeding(&crossover);
+        reader.LinkToPreceeding(&pull);
+        ChainLink* const links[] = {&writer, &reader, &crossover};
+        TransferUnderStops(writer, reader, 20, [&] { links[generator() % 3]->StopLinkedProcessing(); });
+        writer.WriteNext(); // and one that is still on its way
+        reader.ReadNext();
+        links[fromReader ? 1 : 0]->StopLinkedProcessing();
+        if (!fromReader && !pullIsTold)
+            reader.StopLinkedProcessing();
+        if (joins % 32 >= 8)
+            continue;
+        SCOPED_TRACE(joins);
+        EXPECT_TRUE(IsStopped(pull));
+        EXPECT_TRUE(IsStopped(crossover));
+        EXPECT_NE(IsStopped(feeder), feederIsCoupled);
+        Transfer(writer, reader, 1);
+        reader.StopLinkedProcessing();
+        writer.StopLinkedProcessing();
+        EXPECT_TRUE(feeder.order.IsAll(writer.next) && crossover.order.IsAll(writer.next));
+        EXPECT_TRUE(pull.order.IsAll(writer.next) && reader.order.IsAll(writer.next));
+        crossover.PullProcess();
+        EXPECT_TRUE(IsStopped(crossover)) << "a pull starts nothing there";
+    }
+}
+
+} // namespace
+} // namespace QMT

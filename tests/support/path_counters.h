@@ -1,0 +1,43 @@
+// Counts what real-time code must not do.
+#pragma once
+
+namespace QMT {
+
+struct PathCounts {
+    bool operator==(PathCounts const&) const = default;
+
+    long allocations = 0;
+    long locks = 0;
+    long systemCalls = 0; // but for those by which threads sleep, wake, yield and read the clock
+};
+
+#if defined(QMT_COUNTS_PATHS)
+
+// Why nothing can be counted here; null when it can.
+char const* WhyPathsAreNotCounted();
+
+// From now on until `CloseWindow` everything is counted; system calls only on the calling thread and on those
+// that call `CountThisThread` within the window. Such a thread starts no other thread.
+void OpenWindow();
+void CountThisThread();
+
+// Gives what was done since `OpenWindow`, by the thread that has called it and all others.
+PathCounts CloseWindow();
+
+#else
+
+inline char const* WhyPathsAreNotCounted() {
+    return "counting needs a release build for Linux on x86-64";
+}
+
+inline void OpenWindow() {}
+
+inline void CountThisThread() {}
+
+inline PathCounts CloseWindow() {
+    return {};
+}
+
+#endif
+
+} // namespace QMT
