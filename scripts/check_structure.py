@@ -18,7 +18,7 @@ MAY_INCLUDE = {
     "general": [SEAM],
     "time": ["general", SEAM],
     "diagnostics": ["general", "time", "helpers/system", SEAM],
-    "chain": ["general", "diagnostics/error_log"],
+    "chain": ["general", "diagnostics/error_log", "platform/fetch_for_writing"],
     "html": ["general", "diagnostics/error_log"],
     "config": ["general", "helpers/system", SEAM],
     "helpers/system": ["general", SEAM],
@@ -68,8 +68,12 @@ def unit(name):
 
 
 def subsystem(name):
+    """The folder; each helper is a subsystem of its own, with private files named <helper>_<what>."""
     parts = unit(name).split("/")
-    return "/".join(parts[:2]) if parts[0] == "helpers" else parts[0]
+    if parts[0] != "helpers":
+        return parts[0]
+    whole = "/".join(parts[:2])
+    return next((helper for helper in MAY_INCLUDE if whole.startswith(helper + "_")), whole)
 
 
 def may_include(includer, included):

@@ -27,8 +27,10 @@ int LastError() {
 fs::path ResolveFinalPath(fs::path const& path) {
     std::error_code error;
     fs::file_status const status = fs::status(path, error);
-    if (status.type() == fs::file_type::not_found)
-        return path;
+    if (status.type() == fs::file_type::not_found) {
+        fs::path const target = fs::read_symlink(path, error);
+        return error ? path : ResolveFinalPath(path.parent_path() / target);
+    }
     if (status.type() == fs::file_type::none)
         throw Failure("cannot write " + Quoted(path) + ": " + error.message());
     if (!fs::is_regular_file(status))

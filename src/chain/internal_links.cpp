@@ -39,9 +39,8 @@ void InternalPushLink::StopLinkedProcessing() {
         following->StopLinkedProcessing();
 }
 
-void InternalPushLink::StopPushTask() {
-    if (!coupled)
-        task->Stop();
+bool InternalPushLink::StopPushTask() {
+    return !coupled && task->Stop();
 }
 
 InternalPullLink::InternalPullLink()
@@ -84,14 +83,18 @@ CrossoverLink::~CrossoverLink() = default;
 void CrossoverLink::PullProcess() {}
 
 void CrossoverLink::StopLinkedProcessing() {
-    StopScope const scope(this);
+    StopScope scope(this);
     if (scope.HasComeBack()) {
-        StopPushTask();
+        if (StopPushTask())
+            scope.TellRestart();
         StopPullTask();
         return;
     }
     InternalPushLink::StopLinkedProcessing();
     InternalPullLink::StopLinkedProcessing();
+    // Until its turn came, a link in front may have pushed, and set going again what lies behind.
+    if (scope.WasRestarted())
+        InternalPushLink::StopLinkedProcessing();
 }
 
 } // namespace QMT

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "general/event_access.h"
 #include "general/sync_point.h"
 #include "qmt/chain/thread_pool.h"
 #include "qmt/diagnostics/error_log.h"
@@ -27,13 +28,14 @@ LinkTask::LinkTask(char const* semaphoreName, CodeUnit const* nameOfTask, TaskFu
     taskEndedOnly.Add(&taskEnded);
 }
 
-// The second look makes up for a stop that has dropped this count between the first look and the signal.
+// The second look is for a stop that has come between: if it has dropped this count, as stops do, all is
+// done; if it was past that, the count wants a new task.
 void LinkTask::Notify() {
     if (!running.load())
         Start();
     QMT_SYNC_POINT("LinkTask::Notify: before the signal");
     processSemaphore.Signal();
-    if (!running.load())
+    if (!running.load() && EventSignalled(processSemaphore))
         Start();
 }
 
@@ -55,7 +57,12 @@ ErrorInfo* LinkTask::StartUnderLock() {
     WaitForTaskEnd();
     running = true;
     QMT_SYNC_POINT("LinkTask::Start: before RunTask");
-    return ThreadPoolOfLinks()->RunTask(taskName, function, link, &taskEnded);
+    try {
+        return ThreadPoolOfLinks()->RunTask(taskName, function, link, &taskEnded);
+    } catch (...) {
+        running = false;
+        throw;
+    }
 }
 
 bool LinkTask::Begin(Event* stopEvent) {
@@ -70,32 +77,44 @@ bool LinkTask::Begin(Event* stopEvent) {
 }
 
 bool LinkTask::TakeCount(Event* stopEvent) {
-    if (!gate.Pass(stopEvent) || WaitOnEvents(waitEvents, -1) == stopIndex)
+    if (!gate.Pass(stopEvent) || !WaitForCount(stopEvent))
         return false;
-    // In this order: whoever sees the count gone also sees the cycle begun.
+    // In this order: whoever sees the counts gone also sees the cycle begun.
     inCycle.store(true, std::memory_order_relaxed);
-    processSemaphore.Reset();
+    std::uint32_t counts = countsAtHand.load(std::memory_order_relaxed);
+    if (counts == 0)
+        counts = EventAccess::TakeAll(processSemaphore);
+    countsAtHand.store(counts - 1, std::memory_order_relaxed);
     return true;
+}
+
+bool LinkTask::WaitForCount(Event* stopEvent) {
+    if (countsAtHand.load(std::memory_order_relaxed) > 0)
+        return !EventSignalled(*stopEvent);
+    return WaitOnEvents(waitEvents, -1) != stopIndex;
 }
 
 void LinkTask::End() {
     QMT_SYNC_POINT("LinkTask::End");
     CritSectionLock const lock(&section);
     TaskContext::OfThisThread() = {};
+    inCycle = false;
     waitEvents.RemoveAll();
     processSemaphore.ForceReset();
+    countsAtHand = 0;
     if (!stopping)
         running = false;
 }
 
-void LinkTask::Stop() {
+bool LinkTask::Stop() {
     CritSectionLock const oneAtATime(&stopSection);
     if (!RequestStop())
-        return;
+        return false;
     WaitForTaskEnd();
     QMT_SYNC_POINT("LinkTask::Stop: the task has ended");
     if (FinishStop())
         Start();
+    return true;
 }
 
 // False when there is no task to stop; the thread of the last one is then past its last touch of the link.
@@ -129,8 +148,11 @@ bool LinkTask::WillDoItsShare() {
     // Not `running`, which is also set when the pool has refused the task.
     if (EventSignalled(taskEnded))
         return false;
-    bool const hasCount = EventSignalled(processSemaphore);
-    return inCycle.load(std::memory_order_acquire) || (hasCount && !stopping && gate.IsOpen());
+    bool const isCounted = EventSignalled(processSemaphore);
+    if (inCycle.load(std::memory_order_acquire))
+        return true;
+    bool const hasCount = isCounted || countsAtHand.load(std::memory_order_relaxed) > 0;
+    return hasCount && !stopping && gate.IsOpen();
 }
 
 } // namespace QMT

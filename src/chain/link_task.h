@@ -2,6 +2,8 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 
 #include "chain/party_gate.h"
 #include "qmt/general/containers.h"
@@ -36,9 +38,9 @@ public:
     template <typename Cycle>
     void Run(Event* stopEvent, Cycle doOneCycle);
 
-    // Ends the task and drops the counts. Returns when the pool has finished with the task. Does nothing more
-    // when the task does not run.
-    void Stop();
+    // Ends the task and drops the counts. Returns when the pool has finished with the task. False, and
+    // nothing more was done, when the task did not run.
+    bool Stop();
 
     // For a link that is a party of a parallel stage.
     PartyGate& Gate() { return gate; }
@@ -50,6 +52,7 @@ public:
 private:
     bool Begin(Event* stopEvent);
     bool TakeCount(Event* stopEvent);
+    bool WaitForCount(Event* stopEvent);
     void End();
 
     void Start();
@@ -58,20 +61,29 @@ private:
     bool FinishStop();
     void WaitForTaskEnd();
 
+    // What those who push touch lies apart from what the task touches in every cycle, or each would keep
+    // taking the cache line from the other.
+    static constexpr std::size_t cacheLine = 64;
+
     // A task has been asked for and has not ended. While a stop is under way only the stop clears it: a push
     // that saw it false would start a second task, whose wait array the stop would then empty.
-    std::atomic<bool> running{false};
+    alignas(cacheLine) std::atomic<bool> running{false};
     std::atomic<bool> stopping{false};
 
     CountingSemaphore processSemaphore;
-    SVArray<Event*, Event*> waitEvents; // the stop event, then the semaphore; empty when no task waits
-    Event taskEnded{true};              // signalled also before the first task
+
+    // The stop event, then the semaphore; empty when no task waits.
+    alignas(cacheLine) SVArray<Event*, Event*> waitEvents;
+    Event taskEnded{true}; // signalled also before the first task
     SVArray<Event*, Event*> taskEndedOnly;
     CritSection section{"LinkTask"};
     CritSection stopSection{"LinkTask: stop"}; // one stop at a time
 
     PartyGate gate;
     std::atomic<bool> inCycle{false};
+
+    // Counts that the task has taken off the semaphore, all it found at a time, and has not used yet.
+    std::atomic<std::uint32_t> countsAtHand{0};
 
     CodeUnit const* taskName;
     TaskFunction function;
@@ -90,13 +102,19 @@ struct TaskContext {
 
 template <typename Cycle>
 void LinkTask::Run(Event* stopEvent, Cycle doOneCycle) {
-    if (Begin(stopEvent)) {
-        while (TakeCount(stopEvent)) {
-            doOneCycle();
-            inCycle.store(false, std::memory_order_release);
-        }
+    // Also when a cycle throws; the pool logs the error, and the next count starts the task again.
+    struct Ending {
+        ~Ending() { task.End(); }
+
+        LinkTask& task;
+    } const ending{*this};
+
+    if (!Begin(stopEvent))
+        return;
+    while (TakeCount(stopEvent)) {
+        doOneCycle();
+        inCycle.store(false, std::memory_order_release);
     }
-    End();
 }
 
 } // namespace QMT

@@ -35,8 +35,8 @@ struct ParallelCycle {
     void AddParty(ChainLink* link, LinkTask* task, RotatingFixedBuffers& sharedInput);
     void RemoveParties();
 
-    // Waits until every party has ended its read and its write; false when a stop is under way and a party
-    // can no longer do so.
+    // Waits until every party has ended its read and its write; false when a stop is under way, or the cycle
+    // runs on a thread that no stop reaches, and a party can no longer do so.
     bool WaitForParties();
 
     // Re-arms both countdowns, frees the shared slot, and lets the parties go on.
@@ -100,12 +100,15 @@ bool ParallelCycle::WaitForParties() {
 bool ParallelCycle::WaitFor(Events& events, CountingSemaphore& semaphore) {
     constexpr std::size_t stopPlace = 1;
     constexpr unsigned int millisecondsBetweenLooks = 1;
+    constexpr int millisecondsWithoutStop = 20;
     Event* const stopEvent = TaskContext::OfThisThread().stopEvent;
     events[stopPlace] = stopEvent == nullptr ? &noStop : stopEvent;
-    while (WaitOnEvents(events, -1) == stopPlace) {
+    int const limit = stopEvent == nullptr ? millisecondsWithoutStop : -1;
+    while (WaitOnEvents(events, limit) != 0) {
         if (!AnyPartyWillDoItsShare())
             return EventSignalled(semaphore);
-        MS_Sleep(millisecondsBetweenLooks);
+        if (stopEvent != nullptr)
+            MS_Sleep(millisecondsBetweenLooks);
     }
     return true;
 }

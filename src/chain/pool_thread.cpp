@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "general/sync_point.h"
+#include "qmt/diagnostics/error_log.h"
 
 namespace QMT {
 
@@ -52,10 +53,19 @@ ErrorInfo* PoolThread::RunCycle(bool& finished) {
         if (wish != Wish::RunTask)
             return nullptr;
     }
-    task(taskArgument, &stopEvent);
+    RunTask();
     QMT_SYNC_POINT("PoolThread: task has returned");
     finished = FinishTask();
     return nullptr;
+}
+
+// A task has no result: an error that it lets out ends in the log.
+void PoolThread::RunTask() {
+    try {
+        task(taskArgument, &stopEvent);
+    } catch (ErrorInfo* error) {
+        LogAndResetError(error);
+    }
 }
 
 // A stop that was meant for a task may come when the task has just returned. It must not end a thread that

@@ -42,6 +42,7 @@ protected:
 private:
     enum class Wish { GoOn, End, RunTask };
 
+    void RunTask();
     Wish OnStopSignal();
     bool FinishTask();
 

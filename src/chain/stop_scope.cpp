@@ -8,9 +8,10 @@ thread_local StopScope* innermost = nullptr;
 
 } // namespace
 
-StopScope::StopScope(void const* link) : stopped(link), outer(innermost), hasComeBack(false) {
-    for (StopScope const* scope = outer; scope != nullptr && !hasComeBack; scope = scope->outer)
-        hasComeBack = scope->stopped == link;
+StopScope::StopScope(void const* link) : stopped(link), outer(innermost) {
+    for (StopScope* scope = outer; scope != nullptr && earlier == nullptr; scope = scope->outer)
+        if (scope->stopped == link)
+            earlier = scope;
     innermost = this;
 }
 

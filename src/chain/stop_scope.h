@@ -13,12 +13,18 @@ public:
     StopScope(StopScope const&) = delete;
     StopScope& operator=(StopScope const&) = delete;
 
-    bool HasComeBack() const { return hasComeBack; }
+    bool HasComeBack() const { return earlier != nullptr; }
+
+    // Where the stop has come back: tells the earlier mark that the link had been started again meanwhile.
+    void TellRestart() { earlier->restarted = true; }
+
+    bool WasRestarted() const { return restarted; }
 
 private:
     void const* stopped;
     StopScope* outer;
-    bool hasComeBack;
+    StopScope* earlier = nullptr; // the mark of the same link
+    bool restarted = false;
 };
 
 } // namespace QMT

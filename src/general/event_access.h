@@ -8,13 +8,15 @@
 
 namespace QMT {
 
-// The word of an event: bit 0 says that somebody sleeps on it, the bits above are the count.
+// The word of an event: bit 0 says that somebody sleeps on it, bit 1 that its threshold was lowered once, the
+// bits above are the count.
 class EventAccess {
 public:
     using Word = std::atomic<std::uint32_t>;
 
     static constexpr std::uint32_t sleeperBit = 1;
-    static constexpr std::uint32_t countOfOne = 2;
+    static constexpr std::uint32_t loweredBit = 2;
+    static constexpr std::uint32_t countOfOne = 4;
 
     static std::uint32_t Count(std::uint32_t word) { return word / countOfOne; }
 
@@ -33,18 +35,21 @@ public:
     static bool EndsWait(Event& event) {
         std::uint32_t word = event.word.load(std::memory_order_acquire);
         while (IsSignalled(event, word))
-            if (event.staysSignalled || event.word.compare_exchange_weak(word, word & sleeperBit))
+            if (event.staysSignalled || event.word.compare_exchange_weak(word, word % countOfOne))
                 return true;
         return false;
     }
 
-    // Marks the event as slept on, unless it is signalled. Gives the word to sleep on, or nothing to sleep
-    // on (an even number) when the event is signalled.
+    // Takes the whole count off and gives it.
+    static std::uint32_t TakeAll(Event& event) { return Count(event.word.fetch_and(countOfOne - 1)); }
+
+    // Marks the event as slept on, unless it is signalled. Gives the word to sleep on, or 0 when the event is
+    // signalled. The second look sees a threshold that was changed after the first and before the mark.
     static std::uint32_t AnnounceSleeper(Event& event) {
         std::uint32_t word = event.word.load(std::memory_order_acquire);
         while (!IsSignalled(event, word)) {
             if (event.word.compare_exchange_weak(word, word | sleeperBit))
-                return word | sleeperBit;
+                return IsSignalled(event, word) ? 0 : word | sleeperBit;
         }
         return 0;
     }

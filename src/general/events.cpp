@@ -10,8 +10,8 @@ namespace QMT {
 
 namespace {
 
-std::uint32_t AsCount(int number) {
-    return static_cast<std::uint32_t>(std::max(0, number));
+std::uint32_t AsCount(int number, int lowest, std::uint32_t highest) {
+    return std::min(static_cast<std::uint32_t>(std::max(lowest, number)), highest);
 }
 
 } // namespace
@@ -52,14 +52,14 @@ void Event::AddToCount(std::uint32_t limit) {
     std::uint32_t const needed = Threshold();
     std::uint32_t seen = eventWord.load(std::memory_order_relaxed);
     std::uint32_t next = 0;
-    bool isSignalled = false;
+    bool wakes = false;
     do {
         std::uint32_t const count = std::min(EventAccess::Count(seen), limit - 1) + 1;
-        isSignalled = count >= needed;
-        std::uint32_t const sleepers = isSignalled ? 0 : seen & EventAccess::sleeperBit;
-        next = count * EventAccess::countOfOne | sleepers;
+        wakes = count >= needed || (seen & EventAccess::loweredBit) != 0;
+        std::uint32_t const cleared = wakes ? EventAccess::sleeperBit : 0;
+        next = count * EventAccess::countOfOne | (seen % EventAccess::countOfOne & ~cleared);
     } while (!eventWord.compare_exchange_weak(seen, next));
-    if (isSignalled && (seen & EventAccess::sleeperBit) != 0)
+    if (wakes && (seen & EventAccess::sleeperBit) != 0)
         platform::WakeSleepers(eventWord);
 }
 
@@ -72,8 +72,14 @@ void Event::TakeFromCount(std::uint32_t amount) {
     } while (!word.compare_exchange_weak(seen, next));
 }
 
+// A signal on its way may still go by the old threshold. Where that was higher it would not wake those who
+// came to sleep by the new one. So a lowered threshold leaves a mark: a signal that has not seen it has to
+// look again, and one that has wakes in any case.
 void Event::SetThreshold(std::uint32_t newThreshold) {
+    bool const isLower = newThreshold < Threshold();
     threshold.store(newThreshold, std::memory_order_relaxed);
+    if (isLower)
+        word.fetch_or(EventAccess::loweredBit);
     std::uint32_t const seen = word.fetch_and(~EventAccess::sleeperBit);
     if ((seen & EventAccess::sleeperBit) != 0)
         platform::WakeSleepers(word);
@@ -84,7 +90,7 @@ bool EventSignalled(Event& event) {
 }
 
 CountingSemaphore::CountingSemaphore(char const* semaphoreName, int initialCount)
-    : Event(true, AsCount(initialCount)), name(semaphoreName) {}
+    : Event(true, AsCount(initialCount, 0, maxCount)), name(semaphoreName) {}
 
 CountingSemaphore::~CountingSemaphore() = default;
 
@@ -101,7 +107,7 @@ void CountingSemaphore::ForceReset() {
 }
 
 void CountingSemaphore::SetCountdownMode(int parties) {
-    SetThreshold(static_cast<std::uint32_t>(std::max(1, parties)));
+    SetThreshold(AsCount(parties, 1, maxCount));
 }
 
 } // namespace QMT

@@ -50,7 +50,6 @@ private:
 
     // Of all processors one is left to those who work.
     static bool TakeProcessor() {
-        static unsigned int const spinnersAllowed = platform::ProcessorCount() - 1;
         if (spinning.fetch_add(1, std::memory_order_relaxed) < spinnersAllowed)
             return true;
         spinning.fetch_sub(1, std::memory_order_relaxed);
@@ -68,6 +67,9 @@ private:
         } while (Clock::now() < end);
         return false;
     }
+
+    // Found when the library is loaded, since it enters the system.
+    static inline unsigned int const spinnersAllowed = platform::ProcessorCount() - 1;
 
     static inline std::atomic<unsigned int> spinning{0};
 

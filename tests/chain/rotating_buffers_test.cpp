@@ -92,12 +92,12 @@ TEST(RotatingFixedBuffers, EndOfReadOnlyCountsWhileANotificationIsSet) {
             EXPECT_EQ(Read(ring), read) << "the slot stays";
         for (int i = 0; i < 3; ++i, ended.Reset())
             EXPECT_TRUE(EventSignalled(ended));
-        for (int forced = lap % 3; forced > 0; --forced, ++read) {
+        EXPECT_TRUE(Write(ring, written++));
+        for (int forced = lap % 4; forced > 0; --forced) {
             ring.ForceEndRead();
-            EXPECT_EQ(ring.TestRead(), read + 1 < written);
+            EXPECT_EQ(ring.TestRead(), ++read < written);
         }
         EXPECT_FALSE(EventSignalled(ended));
-        EXPECT_TRUE(Write(ring, written++));
         ring.SetEndReadNotifyRequired(nullptr);
         for (; read < written; ++read)
             ASSERT_EQ(Read(ring), read);

@@ -64,7 +64,7 @@ void WaitUntil(Condition isTrue) {
 
 // Gives a thread that should stand still every chance to do what it should not.
 inline void LetOthersRun() {
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 2000; ++i)
         std::this_thread::yield();
 }
 
@@ -184,10 +184,16 @@ struct Relay : Base {
         unsigned char** const from = input == nullptr ? nullptr : input->GetBuffers().BeginRead();
         unsigned char** const to = this->GetBuffers().BeginWrite();
         if (from != nullptr && to != nullptr) {
+            isReading = true;
             order.Take(NumberOf(*from));
             std::memcpy(*to, *from, blockSize);
+            bool const writesFirst = order.next % 2 == 0;
+            if (writesFirst)
+                this->GetBuffers().EndWrite();
+            isReading = false;
             input->GetBuffers().EndRead();
-            this->GetBuffers().EndWrite();
+            if (!writesFirst)
+                this->GetBuffers().EndWrite();
         }
         inside = false;
         ++calls;
@@ -197,6 +203,7 @@ struct Relay : Base {
     std::atomic<int> calls{0}; // that have ended
     std::atomic<bool> ranOnFreshThread{false};
     std::atomic<bool> inside{false};
+    std::atomic<bool> isReading{false};
     InOrder order;
 };
 
@@ -225,6 +232,7 @@ struct Stage : ArrayBase {
         order.Take(NumberOf(input));
         for (Party& party : parties) {
             unsigned char** const slot = party.GetBuffers().BeginRead();
+            order.faults += party.isReading ? 1 : 0;
             order.faults += slot != nullptr && std::memcmp(*slot, input, blockSize) == 0 ? 0 : 1;
             party.GetBuffers().EndRead();
         }

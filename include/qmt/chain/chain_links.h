@@ -190,7 +190,7 @@ private:
     friend class ParallelPushLinkArray;
 
     void ProcessAndPush();
-    void StopPushTask();
+    bool StopPushTask();
 
     bool coupled = false;
     std::unique_ptr<LinkTask> task;
@@ -252,8 +252,9 @@ public:
 // been freed. A coupled parallel link does not wait, so the array must then be coupled as well, or have one
 // buffer in flight only. An array cannot be a parallel link of another one.
 //
-// A cycle allocates nothing. While it waits for its links it does not look at a stop, which lets it finish,
-// unless a link can no longer do its share; then the cycle is given up, and the slot stays.
+// A cycle allocates nothing. A stop lets a cycle finish, unless a link can no longer do its share: then the
+// cycle is given up, and the slot stays. A coupled array gives up likewise, since no stop reaches the
+// writer's thread.
 class QMT_UTILU_API ParallelLinkArray {
 public:
     virtual ~ParallelLinkArray();

@@ -8,6 +8,7 @@
 #include "qmt/export.h"
 #include "qmt/general/events.h"
 #include "qmt/general/string.h"
+#include "qmt/platform/fetch_for_writing.h"
 
 namespace QMT {
 
@@ -103,7 +104,7 @@ public:
             size = ReadSize().load(std::memory_order_relaxed);
             return ReadSlot();
         }
-        size = partialSizes == nullptr ? 0 : ReadSize().load(std::memory_order_relaxed);
+        size = bufferCount == 0 ? 0 : ReadSize().load(std::memory_order_relaxed);
         return nullptr;
     }
 
@@ -178,6 +179,7 @@ public:
         int const next = NextIndex(writeIndex.load(std::memory_order_relaxed));
         writeIndex.store(next, std::memory_order_relaxed);
         publishedWriteIndex.store(next, std::memory_order_release);
+        FetchAhead(next);
         if (endWriteNotify != nullptr)
             endWriteNotify->Signal();
     }
@@ -192,7 +194,8 @@ private:
     using Size = std::atomic<std::size_t>;
 
     // Each index has a cache line of its own, so that the two sides disturb each other only where they must.
-    static constexpr std::size_t cacheLine = 64;
+    // By room between them: aligned members would make every link an over-aligned object.
+    using Apart = unsigned char[64];
 
     void ReleaseBuffers();
 
@@ -213,6 +216,17 @@ private:
     // Not configured gives 0, so that such a ring counts as full.
     int NextIndex(int index) const { return index + 1 >= bufferCount ? 0 : index + 1; }
 
+    // The blocks that the writer comes to next lie in the reader's cache. Fetching one some slots ahead hides
+    // the way; not one that the reader may still hold.
+    void FetchAhead(int index) const {
+        constexpr int slotsAhead = 4;
+        int const room = knownReadIndex - index;
+        if ((room > 0 ? room : room + bufferCount) <= slotsAhead)
+            return;
+        int const ahead = index + slotsAhead;
+        platform::FetchForWriting(buffers[ahead >= bufferCount ? ahead - bufferCount : ahead]);
+    }
+
     // Readers that share the ring look at `readIndex` meanwhile: it never holds `bufferCount`.
     void AdvanceReader() {
         // Neighbouring sizes share a cache line with the writer, so a size is written only if it must be.
@@ -231,14 +245,19 @@ private:
     // Beside each private index stands what its side last saw of the other's published one; it is looked up
     // again only when the ring seems empty or full. While an end-of-read semaphore is set several readers
     // would write the reader's copy, so it is not used then.
-    alignas(cacheLine) std::atomic<int> readIndex{0};
+    [[maybe_unused]] Apart apart1;
+    std::atomic<int> readIndex{0};
     int knownWriteIndex = 0;
-    alignas(cacheLine) std::atomic<int> writeIndex{0};
+    [[maybe_unused]] Apart apart2;
+    std::atomic<int> writeIndex{0};
     int knownReadIndex = 0;
-    alignas(cacheLine) std::atomic<int> publishedReadIndex{0};
-    alignas(cacheLine) std::atomic<int> publishedWriteIndex{0};
+    [[maybe_unused]] Apart apart3;
+    std::atomic<int> publishedReadIndex{0};
+    [[maybe_unused]] Apart apart4;
+    std::atomic<int> publishedWriteIndex{0};
 
-    alignas(cacheLine) CountingSemaphore* endReadNotify = nullptr;
+    [[maybe_unused]] Apart apart5;
+    CountingSemaphore* endReadNotify = nullptr;
     CountingSemaphore* endWriteNotify = nullptr;
     String traceName;
 };

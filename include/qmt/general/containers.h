@@ -29,8 +29,10 @@ namespace detail {
 
 // By how much a full array grows: by its set step, or by half of what it holds if that is more, since a fixed
 // step makes a long run of additions quadratic.
+// A step beyond all bounds asks for all there is, so that the allocation fails.
 constexpr std::uint64_t GrownCapacity(std::uint64_t capacity, std::uint64_t increase) {
-    return capacity + (std::max)({std::uint64_t{1}, increase, capacity / 2});
+    std::uint64_t const step = (std::max)({std::uint64_t{1}, increase, capacity / 2});
+    return capacity + (std::min)(step, ~capacity);
 }
 
 // Elements that are copied and forgotten as they are.
@@ -132,7 +134,8 @@ private:
     struct Block {
         Block() = default;
 
-        explicit Block(std::uint64_t sourceIncrease) : increase((std::max)(defaultIncrease, sourceIncrease)) {}
+        explicit Block(std::uint64_t sourceIncrease)
+            : increase((std::max)(defaultIncrease, sourceIncrease)) {}
 
         ~Block() { FreeElements(); }
 

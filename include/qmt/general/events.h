@@ -67,8 +67,9 @@ private:
 // has shown him that it is signalled: `Signal` does not touch it any more by then.
 //
 // `Signal` and `Reset` come from any thread, also under a section of the caller's. They never block and
-// never allocate; `Signal` enters the system only when somebody sleeps on the event. Whoever finds the event
-// signalled sees everything that was done before the `Signal`.
+// never allocate; `Signal` enters the system only to wake a sleeper, and once after a wait on several events,
+// or for a limited time, that something else has ended. Whoever finds the event signalled sees everything
+// that was done before the `Signal`.
 //
 //     Event done(true);
 //     ... // the other thread: result = Work(); done.Signal();
@@ -88,7 +89,7 @@ protected:
     Event(bool manualReset, std::uint32_t initialCount);
 
     // Counts may not grow beyond this; they stop there.
-    static constexpr std::uint32_t maxCount = 0x7fffffff;
+    static constexpr std::uint32_t maxCount = 0x3fffffff;
 
     // Adds one to the count, or sets it to 1 with `limit` 1; wakes the sleepers when that made the event
     // signalled.
@@ -105,7 +106,7 @@ protected:
 private:
     friend class EventAccess;
 
-    // Bit 0: somebody sleeps on the word. The bits above: the count.
+    // Bit 0: somebody sleeps on the word. Bit 1: the threshold was lowered once. The bits above: the count.
     std::atomic<std::uint32_t> word;
     std::atomic<std::uint32_t> threshold{1};
     bool staysSignalled;
@@ -130,7 +131,7 @@ public:
     CountingSemaphore(char const* semaphoreName, int initialCount);
     ~CountingSemaphore() override;
 
-    // Adds one to the count, which stops at 2,147,483,647.
+    // Adds one to the count, which stops at 1,073,741,823.
     void Signal() override;
 
     // Takes one off the count, in countdown mode the number of parties; at 0 it changes nothing.

@@ -103,6 +103,9 @@ public:
 
     friend bool operator==(String const& left, CodeUnit const* right) { return left.IsSame(right); }
 
+    // Named besides <=>, without which the library's sorting takes this for a comparison of pointers.
+    friend bool operator<(String const& left, String const& right) noexcept { return left.text < right.text; }
+
     friend std::strong_ordering operator<=>(String const& left, String const& right) noexcept {
         return left.text <=> right.text;
     }

@@ -32,7 +32,7 @@ QMT_GENU_API void MS_Sleep(unsigned int milliseconds);
 // destroys it after the thread has ended, which `ended` tells.
 //
 // On the new thread run, in this order: the start function, `RunCycle` until it asks for the end or gives an
-// error, `OnStop` once; then `ended` is signalled and a self-deleting object is deleted.
+// error, `OnStop` once; then a self-deleting object is deleted, and `ended` is signalled.
 //
 //     class Worker : public Thread {
 //     public:
