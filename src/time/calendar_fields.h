@@ -27,7 +27,8 @@ constexpr Quotient DivideDown(std::int64_t dividend, std::int64_t divisor) {
     return {whole, dividend - whole * divisor};
 }
 
-constexpr bool IsLeapYear(std::int64_t year) {
+template <class Year>
+constexpr bool IsLeapYear(Year year) {
     return year % 4 == 0 && (year % 16 == 0 || year % 25 != 0);
 }
 
@@ -64,28 +65,49 @@ constexpr void SetDate(std::tm& fields, std::int64_t day) {
     // Taking off the leap days that have passed leaves years of 365 days.
     std::uint32_t const yearOfCycle =
         (dayOfCycle - dayOfCycle / 1460 + dayOfCycle / 36524 - dayOfCycle / 146096) / 365;
-    std::int64_t const year = cycle.whole * 400 + yearOfCycle + 1;
-    bool const leapYear = IsLeapYear(year);
-    fields.tm_yday = static_cast<int>(dayOfCycle - yearOfCycle * 365 - yearOfCycle / 4 + yearOfCycle / 100);
+    std::uint32_t const dayOfYear = dayOfCycle - yearOfCycle * 365 - yearOfCycle / 4 + yearOfCycle / 100;
+    auto const& starts = monthStarts[IsLeapYear(yearOfCycle + 1) ? 1 : 0];
     // No month is longer than 32 days, so this is the month or the one before it.
-    fields.tm_mon = fields.tm_yday / 32;
-    if (fields.tm_yday >= DaysBeforeMonth(leapYear, fields.tm_mon + 1))
-        ++fields.tm_mon;
-    fields.tm_mday = fields.tm_yday - DaysBeforeMonth(leapYear, fields.tm_mon) + 1;
-    fields.tm_year = static_cast<int>(year - 1900);
-    fields.tm_wday = WeekDay(day);
+    std::uint32_t month = dayOfYear / 32;
+    month += static_cast<int>(dayOfYear) >= starts[month + 1] ? 1U : 0U;
+    fields.tm_yday = static_cast<int>(dayOfYear);
+    fields.tm_mon = static_cast<int>(month);
+    fields.tm_mday = fields.tm_yday - starts[month] + 1;
+    fields.tm_year = static_cast<int>(cycle.whole * 400 + yearOfCycle - 1899);
+    // A cycle of 400 years has whole weeks, and begins with a Monday.
+    fields.tm_wday = static_cast<int>((dayOfCycle + 1) % 7);
+}
+
+constexpr void SetTimeOfDay(std::tm& fields, std::uint32_t secondOfDay) {
+    fields.tm_sec = static_cast<int>(secondOfDay % 60);
+    fields.tm_min = static_cast<int>(secondOfDay / 60 % 60);
+    fields.tm_hour = static_cast<int>(secondOfDay / 3600);
 }
 
 // All fields for a count; daylight saving is 0.
 constexpr std::tm UtcSecondsToFields(std::int64_t seconds) {
     Quotient const days = DivideDown(seconds, secondsPerDay);
-    int const secondOfDay = static_cast<int>(days.rest);
     std::tm fields{};
-    fields.tm_sec = secondOfDay % 60;
-    fields.tm_min = secondOfDay / 60 % 60;
-    fields.tm_hour = secondOfDay / 3600;
+    SetTimeOfDay(fields, static_cast<std::uint32_t>(days.rest));
     SetDate(fields, days.whole);
     return fields;
+}
+
+// Moves `fields` by `shift` seconds, which leads to the count `seconds`. Quick to a neighbouring day of the
+// same month, and without a branch on whether the day changes, which the processor could not foretell.
+constexpr void ShiftFields(std::tm& fields, std::int64_t shift, std::int64_t seconds) {
+    std::int64_t const second = (fields.tm_hour * 60 + fields.tm_min) * 60 + fields.tm_sec + shift;
+    int const days = (second >= secondsPerDay ? 1 : 0) - (second < 0 ? 1 : 0);
+    auto const secondOfDay = static_cast<std::uint64_t>(second - days * secondsPerDay);
+    auto const dayIndex = static_cast<unsigned int>(fields.tm_mday - 1 + days);
+    if (secondOfDay >= secondsPerDay || (dayIndex >= 28 && days != 0)) {
+        fields = UtcSecondsToFields(seconds);
+        return;
+    }
+    SetTimeOfDay(fields, static_cast<std::uint32_t>(secondOfDay));
+    fields.tm_mday += days;
+    fields.tm_yday += days;
+    fields.tm_wday = (fields.tm_wday + 7 + days) % 7;
 }
 
 // Whether every field, the day apart, lies in its own range.

@@ -33,8 +33,6 @@ std::unique_ptr<PortableTimeImpInterface> Build(CalendarNumbers const& fields) {
 
 } // namespace
 
-PortableTime::PortableTime(PortableTimeImpInterface* owned) : implementation(owned) {}
-
 PortableTime::PortableTime(unsigned int year, unsigned int month, unsigned int day, unsigned int hour,
                            unsigned int minute, unsigned int second)
     : implementation(std::make_unique<PortableTimeImp>(year, month, day, hour, minute, second)) {}
@@ -48,7 +46,7 @@ PortableTime::PortableTime(String date, unsigned int slot)
     : implementation(Build(WithTimeUnit(ReadDate(date), slot))) {}
 
 PortableTime::PortableTime(PortableTime const& other)
-    : implementation(std::make_unique<PortableTimeImp>(*other.implementation)) {}
+    : implementation(PortableTimeImp::CopyOf(*other.implementation)) {}
 
 PortableTime& PortableTime::operator=(PortableTime const& other) {
     if (this != &other)

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "time/calendar_fields.h"
 #include "time/time_span_imp.h"
 
 namespace QMT {
@@ -74,15 +73,15 @@ int PortableTimeImp::GetDayOfWeek() const {
 
 TimeSpanImpInterface* PortableTimeImp::Difference(PortableTimeImpInterface const* other) const {
     // Of two counts the difference of the lower 32 bits is the lower 32 bits of the difference.
-    return new TimeSpanImp(static_cast<int>(seconds - PortableTimeImp(*other).seconds));
+    return new TimeSpanImp(static_cast<int>(seconds - SecondsOf(*other)));
 }
 
 void PortableTimeImp::Add(TimeSpanImpInterface const* span) {
-    SetSeconds(seconds + span->GetTotalSeconds());
+    Shift(span->GetTotalSeconds());
 }
 
 void PortableTimeImp::Subtract(TimeSpanImpInterface const* span) {
-    SetSeconds(seconds - span->GetTotalSeconds());
+    Shift(-std::int64_t{span->GetTotalSeconds()});
 }
 
 String PortableTimeImp::LocalYMD() const {
@@ -91,11 +90,6 @@ String PortableTimeImp::LocalYMD() const {
 
 String PortableTimeImp::LocalHM() const {
     return Format("%H:%M", fields);
-}
-
-void PortableTimeImp::SetSeconds(std::int64_t newSeconds) {
-    seconds = newSeconds;
-    fields = UtcSecondsToFields(newSeconds);
 }
 
 } // namespace QMT

@@ -3,8 +3,11 @@
 
 #include <cstdint>
 #include <ctime>
+#include <memory>
+#include <typeinfo>
 
 #include "qmt/time/portable_time.h"
+#include "time/calendar_fields.h"
 
 namespace QMT {
 
@@ -22,6 +25,25 @@ public:
     // The moment with the fields of `other`.
     explicit PortableTimeImp(PortableTimeImpInterface const& other);
 
+    // The same, and quick where `other` is one of these.
+    static std::unique_ptr<PortableTimeImp> CopyOf(PortableTimeImpInterface const& other) {
+        if (PortableTimeImp const* const own = AsOwn(other))
+            return std::make_unique<PortableTimeImp>(*own);
+        return std::make_unique<PortableTimeImp>(other);
+    }
+
+    // The count for the fields of `other`.
+    static std::int64_t SecondsOf(PortableTimeImpInterface const& other) {
+        PortableTimeImp const* const own = AsOwn(other);
+        return own != nullptr ? own->seconds : PortableTimeImp(other).seconds;
+    }
+
+    // Moves the moment by so many seconds.
+    void Shift(std::int64_t shift) {
+        seconds += shift;
+        ShiftFields(fields, shift, seconds);
+    }
+
     int GetYear() const override;
     int GetMonth() const override;
     int GetDay() const override;
@@ -36,7 +58,12 @@ public:
     String LocalHM() const override;
 
 private:
-    void SetSeconds(std::int64_t newSeconds);
+    // Null when `value` is a client's own. Quicker than a `dynamic_cast`, since nothing derives from the
+    // class.
+    static PortableTimeImp const* AsOwn(PortableTimeImpInterface const& value) {
+        return typeid(value) == typeid(PortableTimeImp) ? static_cast<PortableTimeImp const*>(&value)
+                                                        : nullptr;
+    }
 
     std::int64_t seconds;
     std::tm fields{};

@@ -9,6 +9,8 @@
 
 namespace QMT {
 
+struct ZoneYear; // time_zone.h
+
 // What a `TimeSpan` holds: a signed length of time. For those who supply spans of their own.
 class QMT_UTILU_API TimeSpanImpInterface {
 public:
@@ -104,7 +106,7 @@ public:
     using CurrentTimeModifier = PortableTime (*)();
 
     // Takes ownership of `owned`, which is not null.
-    explicit PortableTime(PortableTimeImpInterface* owned);
+    explicit PortableTime(PortableTimeImpInterface* owned) : implementation(owned) {}
 
     PortableTime(PortableTime const& other);
     PortableTime(PortableTime&& other) noexcept = default;
@@ -168,6 +170,54 @@ public:
     static void EnterTimeModifierSection();
     static void LeaveTimeModifierSection();
 
+    // Where the local zone's records take the current year from: the system's clock, or the time that the
+    // application is to see, so that a modifier can stand in any year.
+    enum class YearSource { SystemClock, CurrentTime };
+
+    // Finds the records of the local zone, which is the one that the environment names at this moment, for
+    // the current local year, the one before and the one after it. Conversions and the queries below rest on
+    // them and on nothing else; without them the first conversion or query calls this. When there are records
+    // already they are replaced as by `RefreshZone`. Enters the system and reads files; the environment does
+    // not change meanwhile. From any thread; one waits while another is at it.
+    static void InitialiseZone();
+    static void InitialiseZone(YearSource source);
+
+    // Finds the records anew, with the year from where `InitialiseZone` took it last, and puts all three in
+    // force at once: a conversion on another thread meanwhile uses the old ones or the new ones. For programs
+    // that run on into another year: the records do not follow the clock by themselves. Otherwise as
+    // `InitialiseZone`.
+    static void RefreshZone();
+
+    // Frees the records, replaced ones included. No other thread uses local time or the zone meanwhile.
+    static void Terminate();
+
+    // Whether the zone changes its offset in the current year, the next, the past; not whether saving time
+    // is in force now.
+    static bool IsDST();
+    static bool IsDST2();
+    static bool IsDSTPast();
+
+    // Local time minus UTC at the start of January and of June: of the current year, of the next (2), or of a
+    // year given. A year that is not the current one is answered for as the next, past years too.
+    static TimeSpan JanUtcOffset();
+    static TimeSpan JanUtcOffset2();
+    static TimeSpan JanUtcOffset(int year);
+    static TimeSpan JunUtcOffset();
+    static TimeSpan JunUtcOffset2();
+    static TimeSpan JunUtcOffset(int year);
+
+    // When the offset changes, by the wall clock in force until then: the first change behind 1 January and
+    // the first behind 1 June. For the years as above; 2000/01/01 00:00:00 in a year without changes.
+    static PortableTime FirstLocalChangeover();
+    static PortableTime FirstLocalChangeover2();
+    static PortableTime FirstLocalChangeover(int year);
+    static PortableTime SecondLocalChangeover();
+    static PortableTime SecondLocalChangeover2();
+    static PortableTime SecondLocalChangeover(int year);
+
+    // All that conversions of times in `year` rest on; outside the three years that is the nearest one.
+    static ZoneYear GetZoneYear(int year);
+
 protected:
     PortableTime(unsigned int year, unsigned int month, unsigned int day, unsigned int hour,
                  unsigned int minute, unsigned int second);
@@ -194,6 +244,8 @@ protected:
     TimeSpan Difference(PortableTime const& other) const;
 
 private:
+    friend class TimeAccess;
+
     std::unique_ptr<PortableTimeImpInterface> implementation;
 };
 

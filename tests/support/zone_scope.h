@@ -1,0 +1,56 @@
+// A zone and a time of its own for a test.
+#pragma once
+
+#include <atomic>
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <string>
+
+#include "qmt/time/utc_local_time.h"
+
+namespace QMT {
+
+// For as long as it lives the environment names `zone`, the application's time is the given one, and the
+// zone's records are those of its year. Then the environment and the clock are back and there are no records.
+class ZoneScope {
+public:
+    ZoneScope(char const* zone, UTCTime const& now) {
+        if (char const* const value = std::getenv("TZ"))
+            formerZone = value;
+        SetZone(zone);
+        PortableTime::InstallCurrentTimeModifier(Now);
+        StandAt(now);
+        PortableTime::InitialiseZone(PortableTime::YearSource::CurrentTime);
+    }
+
+    ~ZoneScope() {
+        SetZone(formerZone ? formerZone->c_str() : nullptr);
+        PortableTime::InstallCurrentTimeModifier(nullptr);
+        PortableTime::Terminate();
+    }
+
+    ZoneScope(ZoneScope const&) = delete;
+    ZoneScope& operator=(ZoneScope const&) = delete;
+
+    // The records stay until the next refresh, as they do after `SetZone`.
+    void StandAt(UTCTime const& now) { seconds = (now - Epoch()).GetTotalSeconds(); }
+
+    static void SetZone(char const* zone) {
+        if (zone)
+            setenv("TZ", zone, 1);
+        else
+            unsetenv("TZ");
+        tzset();
+    }
+
+    static UTCTime Epoch() { return UTCTime(1970, 1, 1, 0, 0, 0); }
+
+private:
+    static PortableTime Now() { return Epoch() + TimeSpan(0, 0, 0, seconds); }
+
+    inline static std::atomic<int> seconds{0};
+    std::optional<std::string> formerZone;
+};
+
+} // namespace QMT
