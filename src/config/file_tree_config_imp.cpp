@@ -1,0 +1,144 @@
+#include "config/file_tree_config_imp.h"
+
+#include <memory>
+#include <vector>
+
+#include "config/entry_file.h"
+#include "platform/file_names.h"
+#include "qmt/general/files.h"
+#include "qmt/helpers/system.h"
+
+namespace QMT {
+
+namespace {
+
+constexpr CodeUnit entryEnding[] = {u'.', u'c', u'f', u'g', 0};
+constexpr std::size_t entryEndingLength = 4;
+
+DiscDirectory DirectoryAt(String const& path) {
+    String const anyName = u"*.*";
+    return DiscDirectory(path, Directory::ListingType::All, anyName);
+}
+
+bool IsEntryFile(Directory::Entry const& file) {
+    return !file.isDirectory && file.name.Right(entryEndingLength) == entryEnding;
+}
+
+} // namespace
+
+FileTreeConfigImp::FileTreeConfigImp(String path) {
+    String const separator = BaseFile::GetDirSeparator();
+    if (!path.IsEmpty() && path.Right(1) == separator) {
+        path.Truncate(path.Len() - 1);
+    }
+    configDirectory = path + separator + u"Configuration";
+    std::unique_ptr<ErrorInfo> const shownByCheckExists(DirectoryAt(configDirectory).EnsureExists());
+}
+
+String FileTreeConfigImp::SectionPath(String const& section) const {
+    return configDirectory + BaseFile::GetDirSeparator() + section;
+}
+
+String FileTreeConfigImp::EntryPath(String const& section, String const& entry) const {
+    String const separator = BaseFile::GetDirSeparator();
+    String path;
+    path.SetBufferIncrementSize(configDirectory.Len() + section.Len() + entry.Len() + entryEndingLength + 2);
+    path << configDirectory << separator << section << separator << entry << entryEnding;
+    return path;
+}
+
+ErrorInfo* FileTreeConfigImp::CheckExists(bool) {
+    return DirectoryAt(configDirectory).EnsureExists();
+}
+
+// ---- one entry
+
+ErrorInfo* FileTreeConfigImp::WriteProfileStr(String section, String entry, String value) {
+    FormatableTextFile file(EntryPath(section, entry), nullptr);
+    if (std::unique_ptr<ErrorInfo> const error{file.Open(false)}) {
+        // Mostly because the section is missing.
+        if (ErrorInfo* const sectionError = DirectoryAt(SectionPath(section)).EnsureExists()) {
+            return sectionError;
+        }
+        if (ErrorInfo* const openError = file.Open(false)) {
+            return openError;
+        }
+    }
+    file << value << newline;
+    std::unique_ptr<ErrorInfo> error(file.FlushFile(false, BaseFile::BOM::NoMark));
+    std::unique_ptr<ErrorInfo> const nobodyToTell(file.Close());
+    return error.release();
+}
+
+String FileTreeConfigImp::GetStringNoDefault(String section, String entry) {
+    String text;
+    if (!ReadEntryFile(EntryPath(section, entry), text)) {
+        std::unique_ptr<ErrorInfo> const nobodyToTell(DirectoryAt(SectionPath(section)).EnsureExists());
+    }
+    return text;
+}
+
+String FileTreeConfigImp::GetReadOnlyString(String section, String entry) {
+    String text;
+    ReadEntryFile(EntryPath(section, entry), text);
+    return text;
+}
+
+ErrorInfo* FileTreeConfigImp::DeleteEntry(String section, String entry) {
+    return RemoveFile(EntryPath(section, entry));
+}
+
+// ---- all of them
+
+ErrorInfo* FileTreeConfigImp::EnumSections(VArray<String, String>& names) {
+    std::vector<Directory::Entry> found;
+    if (ErrorInfo* const error = DirectoryAt(configDirectory).GetEntries(found)) {
+        return error;
+    }
+    for (Directory::Entry const& candidate : found) {
+        if (candidate.isDirectory) {
+            names.Add(candidate.name);
+        }
+    }
+    return nullptr;
+}
+
+ErrorInfo* FileTreeConfigImp::EnumEntries(String section, VArray<String, String>& names) {
+    DiscDirectory directory = DirectoryAt(SectionPath(section));
+    if (std::unique_ptr<ErrorInfo> const isMissing{directory.DoesNotExist()}) {
+        return nullptr;
+    }
+    std::vector<Directory::Entry> found;
+    if (ErrorInfo* const error = directory.GetEntries(found)) {
+        return error;
+    }
+    for (Directory::Entry const& candidate : found) {
+        if (IsEntryFile(candidate)) {
+            names.Add(candidate.name.Left(candidate.name.Len() - entryEndingLength));
+        }
+    }
+    return nullptr;
+}
+
+ErrorInfo* FileTreeConfigImp::DeleteSection(String section) {
+    String const path = SectionPath(section);
+    std::vector<Directory::Entry> found;
+    if (ErrorInfo* const error = DirectoryAt(path).GetEntries(found)) {
+        return error;
+    }
+    for (Directory::Entry const& candidate : found) {
+        if (!IsEntryFile(candidate)) {
+            return MakeError(u"Couldn't delete section " + path + u", which holds other things: " +
+                             candidate.name);
+        }
+    }
+    for (Directory::Entry const& entry : found) {
+        if (ErrorInfo* const error = RemoveFile(path + BaseFile::GetDirSeparator() + entry.name)) {
+            return error;
+        }
+    }
+    platform::SystemError const error = platform::DeleteEmptyDirectory(path.View());
+    return error ? MakeError(u"Couldn't delete directory " + path + u":", GetSystemErrMsge(error)) : nullptr;
+}
+
+} // namespace QMT

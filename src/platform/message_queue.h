@@ -1,0 +1,13 @@
+// Emptying the calling thread's queue of messages.
+#pragma once
+
+struct tagMSG; // NOLINT(readability-identifier-naming): the name is fixed
+
+namespace QMT::platform {
+
+// Takes one message after the other until there is none, those included that come meanwhile, and handles it
+// in the system's way, unless there is a filter and that gives something other than 0. Never waits for a
+// message.
+void EmptyMessageQueue(int (*filter)(tagMSG*));
+
+} // namespace QMT::platform

@@ -1,0 +1,68 @@
+// The store of a registry in a database file. docs/registry_store.md tells what is in the file.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "platform/registry_files.h"
+#include "platform/registry_sqlite.h"
+
+namespace QMT::platform {
+
+class DatabaseStore : public RegistryStore {
+public:
+    // The file is opened when it is needed. One for everyone keeps what those need who may only read it.
+    DatabaseStore(std::string filePath, Readers fileReaders);
+
+    SystemError FindKey(KeyNumber parent, RegistryTextView name, KeyNumber& key) override;
+    SystemError AddKey(KeyNumber parent, RegistryTextView name, KeyNumber& key) override;
+    SystemError RemoveKey(KeyNumber key) override;
+    SystemError LocateKey(KeyNumber key, KeyNumber& parent, RegistryText& name) override;
+    SystemError KeyNameAt(KeyNumber parent, std::uint32_t index, RegistryText& name) override;
+    SystemError ValueNameAt(KeyNumber key, std::uint32_t index, RegistryText& name,
+                            std::uint32_t& type) override;
+    SystemError ReadValue(KeyNumber key, RegistryTextView name, RegistryValue& value) override;
+    SystemError RemoveValue(KeyNumber key, RegistryTextView name) override;
+    SystemError WriteValue(KeyNumber key, RegistryTextView name, std::uint32_t type,
+                           std::string_view bytes) override;
+
+private:
+    enum StatementIndex {
+        BeginReads,
+        BeginWrites,
+        CommitAll,
+        RollBackAll,
+        SelectKey,
+        InsertKey,
+        DeleteValuesOfKey,
+        DeleteKey,
+        SelectPlace,
+        SelectKeyName,
+        SelectValueName,
+        SelectValue,
+        DeleteValue,
+        UpsertValue,
+        StatementCount
+    };
+
+    static std::array<char const*, StatementCount> const statementTexts;
+
+    SystemError MakeReady(bool forWriting) override;
+    SystemError Begin(Span span) override;
+    SystemError Commit() override;
+    void RollBack() override;
+
+    SystemError Connect(bool forWriting);
+    SystemError SetUp();
+    SystemError MakeTables();
+
+    sqlite3_stmt& Prepared(StatementIndex index) { return *statements[index]; }
+
+    std::string path;
+    Readers readers;
+    Database database;
+    std::array<Database::Statement, StatementCount> statements;
+    bool isInSpan = false;
+};
+
+} // namespace QMT::platform

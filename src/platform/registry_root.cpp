@@ -1,0 +1,192 @@
+#include "platform/registry_root.h"
+
+#include "platform/registry_names.h"
+
+namespace QMT::platform {
+
+namespace {
+
+using Span = RegistryStore::Span;
+
+bool IsOneName(RegistryTextView path) {
+    return !path.empty() && path.find(u'\\') == RegistryTextView::npos;
+}
+
+} // namespace
+
+SystemError IfKeyIsThere(RegistryStore& store, KeyNumber key, SystemError error) {
+    KeyNumber parent = 0;
+    RegistryText name;
+    SystemError const missing = store.LocateKey(key, parent, name);
+    return missing ? missing : error;
+}
+
+// ---- KnownKeys
+
+bool KnownKeys::Find(KeyNumber parent, RegistryTextView name, KeyNumber& key) const {
+    std::scoped_lock const lock(mutex);
+    auto const found = numbers.find({parent, FoldedName(name)});
+    if (found == numbers.end()) {
+        return false;
+    }
+    key = found->second;
+    return true;
+}
+
+void KnownKeys::Add(KeyNumber parent, RegistryTextView name, KeyNumber key) {
+    std::scoped_lock const lock(mutex);
+    numbers[{parent, FoldedName(name)}] = key;
+}
+
+void KnownKeys::Forget(KeyNumber key) {
+    std::scoped_lock const lock(mutex);
+    std::erase_if(numbers, [key](auto const& entry) { return entry.second == key; });
+}
+
+// ---- finding, making, removing
+
+// Goes down the path as far as there are keys. After nothingThere the path begins with the name that is
+// missing below key.
+SystemError RegistryRoot::Walk(KeyNumber& key, RegistryTextView& path) {
+    RegistryTextView rest = path;
+    for (RegistryTextView element; TakeFirstName(rest, element); path = rest) {
+        KeyNumber child = 0;
+        if (SystemError const error = store->FindKey(key, element, child)) {
+            return error;
+        }
+        known.Add(key, element, child);
+        key = child;
+    }
+    return 0;
+}
+
+SystemError RegistryRoot::Find(KeyNumber parent, RegistryTextView path, KeyNumber& key) {
+    Transaction transaction(*store, IsOneName(path) ? Span::OneRead : Span::SeveralReads);
+    if (SystemError const error = transaction.Begin()) {
+        return error;
+    }
+    key = parent;
+    SystemError const error = Walk(key, path);
+    return transaction.End(key == parent ? IfKeyIsThere(*store, parent, error) : error);
+}
+
+SystemError RegistryRoot::Create(KeyNumber parent, RegistryTextView path, KeyNumber& key, bool& isNew) {
+    Transaction transaction(*store, Span::SeveralWrites);
+    if (SystemError const error = transaction.Begin()) {
+        return error;
+    }
+    key = parent;
+    SystemError error = IfKeyIsThere(*store, parent, Walk(key, path));
+    isNew = error == nothingThere;
+    if (isNew) {
+        error = 0;
+        for (RegistryTextView element; !error && TakeFirstName(path, element);) {
+            KeyNumber const above = key;
+            error = store->AddKey(above, element, key);
+        }
+    }
+    return transaction.End(error);
+}
+
+SystemError RegistryRoot::FindOrCreate(KeyNumber parent, RegistryTextView path, KeyNumber& key, bool& isNew,
+                                       bool& isKnown) {
+    isNew = false;
+    isKnown = IsOneName(path) && known.Find(parent, path, key);
+    if (isKnown) {
+        return 0;
+    }
+    SystemError error = Find(parent, path, key);
+    if (error == nothingThere) {
+        error = store->Open(true);
+        if (!error) {
+            error = Create(parent, path, key, isNew);
+        }
+    }
+    return error;
+}
+
+SystemError RegistryRoot::RemoveFound(KeyNumber key) {
+    RegistryText subKey;
+    SystemError const error = store->KeyNameAt(key, 0, subKey);
+    if (error == nothingThere) {
+        return store->RemoveKey(key);
+    }
+    return error ? error : SystemError{ENOTEMPTY};
+}
+
+SystemError RegistryRoot::Remove(KeyNumber parent, RegistryTextView path) {
+    Transaction transaction(*store, Span::SeveralWrites);
+    if (SystemError const error = transaction.Begin()) {
+        return error;
+    }
+    KeyNumber key = parent;
+    SystemError error = IfKeyIsThere(*store, parent, Walk(key, path));
+    if (!error) {
+        error = key == parent ? SystemError{EINVAL} : RemoveFound(key);
+    }
+    error = transaction.End(error);
+    if (!error) {
+        known.Forget(key);
+    }
+    return error;
+}
+
+// ---- reading all
+
+// Adds the root's name and those that lead to the key, with backslashes between them.
+SystemError RegistryRoot::PathOf(KeyNumber key, RegistryText& path) {
+    RegistryText below;
+    while (key != rootKeyNumber) {
+        RegistryText element;
+        if (SystemError const error = store->LocateKey(key, key, element)) {
+            return error;
+        }
+        below.insert(0, element);
+        below.insert(below.begin(), u'\\');
+    }
+    path = RegistryText(name.begin(), name.end()) + below;
+    return 0;
+}
+
+SystemError RegistryRoot::ReadValues(KeyNumber key, std::vector<SavedValue>& values) {
+    SystemError error = 0;
+    for (std::uint32_t index = 0; !error; ++index) {
+        SavedValue value;
+        error = store->ValueNameAt(key, index, value.name, value.value.type);
+        if (!error) {
+            error = store->ReadValue(key, value.name, value.value);
+        }
+        if (!error) {
+            values.push_back(std::move(value));
+        }
+    }
+    return error == nothingThere ? 0 : error;
+}
+
+SystemError RegistryRoot::ReadTreeAt(KeyNumber key, RegistryText path, std::vector<SavedKey>& keys) {
+    SavedKey saved{path, {}};
+    SystemError error = ReadValues(key, saved.values);
+    keys.push_back(std::move(saved));
+    RegistryText element;
+    for (std::uint32_t index = 0; !error; ++index) {
+        error = store->KeyNameAt(key, index, element);
+        KeyNumber subKey = 0;
+        if (!error) {
+            error = store->FindKey(key, element, subKey);
+        }
+        if (!error) {
+            RegistryText subPath = path;
+            subPath.append(1, u'\\').append(element);
+            error = ReadTreeAt(subKey, std::move(subPath), keys);
+        }
+    }
+    return error == nothingThere ? 0 : error;
+}
+
+SystemError RegistryRoot::ReadTree(KeyNumber key, std::vector<SavedKey>& keys) {
+    RegistryText path;
+    SystemError const error = PathOf(key, path);
+    return error ? error : ReadTreeAt(key, std::move(path), keys);
+}
+
+} // namespace QMT::platform

@@ -1,0 +1,14 @@
+// Who may use an object of the system.
+#pragma once
+
+namespace QMT::platform {
+
+// How far it has come. After anything but Done the object is as it was, and the calling thread's last system
+// error tells why.
+enum class OpenAccess { Done, NoDescriptor, DescriptorNotMade, ListNotSet, ObjectRefused };
+
+// Opens the object behind a handle to all users. Where a handle is a file descriptor, everybody may then read
+// and write the file behind it, and execute or search it if its owner may.
+OpenAccess OpenToAllUsers(void* handle);
+
+} // namespace QMT::platform
