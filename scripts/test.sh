@@ -61,7 +61,7 @@ test_preset() {
 
 check_format() {
     cd "$root"
-    find include src tests bench examples \( -name '*.h' -o -name '*.cpp' \) \
+    find include src tests bench examples fuzz \( -name '*.h' -o -name '*.cpp' \) \
         -exec clang-format-14 --dry-run -Werror {} +
 }
 
@@ -98,7 +98,18 @@ run_examples() {
     "$root/scripts/make_tone.py" "$work/tone.wav"
     "$examples/audio_chain" "$work/tone.wav" "$work/processed.wav"
     "$examples/readme_example"
+    "$examples/settings" registry "$work"
     TZ=America/St_Johns "$examples/day_slots"
+}
+
+# The tests of what processes do to each other's settings, with all their rounds.
+check_settings() {
+    QMT_TEST_THOROUGH=1 "$root/build/release/tests/config_settings_safety_test"
+}
+
+check_saved_registry() {
+    "$root/scripts/check_saved_registry.py" "$root/build/release/tests/platform_registry_test" \
+        "$root/build/saved_registry"
 }
 
 # use_installed PRESET: installs the preset's build, moves the installation, and builds and runs an outside
@@ -128,6 +139,8 @@ test_all() {
     test_preset release
     stage "build-lists" check_structure --compile-commands "$root/build/release/compile_commands.json"
     stage "exported-symbols-gcc" "$root/scripts/check_exports.py" "$root/build/release/src"
+    stage "settings" check_settings
+    stage "saved-registry" check_saved_registry
     stage "benchmarks" run_benchmarks
     stage "examples" run_examples
     stage "installed-shared" use_installed release

@@ -1,0 +1,224 @@
+#include "qmt/html/html_parser.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <random>
+
+#include "html/reference_parser.h"
+#include "support/seed.h"
+#include "support/text.h"
+
+namespace QMT {
+
+namespace {
+
+using Strings = VArray<String, String>;
+using Table = Map<String, String>;
+
+std::vector<String> Elements(String const& text, bool ParsableText::*flag) {
+    std::vector<String> found;
+    ParsableText elements(text);
+    if (flag)
+        elements.*flag = true;
+    for (String element; elements.GetNextElem(&element, 0);)
+        found.push_back(element);
+    return found;
+}
+
+template <typename Array>
+std::vector<String> Listed(Array const& array) {
+    std::vector<String> list;
+    for (std::size_t i = 0; i < array.Size(); ++i)
+        list.push_back(array[i]);
+    return list;
+}
+
+class HtmlParserTest : public testing::Test {
+protected:
+    std::mt19937 random = SeededGenerator();
+
+    bool OneIn(unsigned count) { return random() % count == 0; }
+
+    String Pick(std::vector<String> const& pieces) { return pieces[random() % pieces.size()]; }
+
+    // Markers, some cut off, words and line ends in any order.
+    String RandomPieces(std::size_t count) {
+        static std::vector<String> const markers =
+            Elements(u"<p>\t<p>\t</p>\t</p>\t<p "
+                     u"class=x\t<pre>\t<td\t</td>\t<div\t<div>\t</div>\t<div></div><div></div>\t"
+                     u"<div id=\"formatable\"\t<form>\t</form>\t<br/>\t<br "
+                     u"/>\t<br>\t<h\t<h1>\t</h1>\t<html\t</html>\t<head>\t"
+                     u"</head>\t<title>\t</title>\t<label\t</label>\t<span>\t<a "
+                     u"href=\"\t.htm\t</a>\tvalue=\"\tplaceholder=\"\t"
+                     u"type=\"hidden\"\ttype=\"radio\"\ttype=\"checkbox\"\t<meta name=\"description\" "
+                     u"content=\"\t<select\t"
+                     u"</select>\t<input\t&nbsp;\t<b>\t>\t>\t>\t>\t<\t\"\t\"\t\"\ta\tBe.\tnet "
+                     u"work\tthose\tsame.\t\u00e4\t.",
+                     &ParsableText::splitOnFields);
+        String page;
+        for (; count > 0; --count)
+            page << (OneIn(4) ? Pick({u" ", u"\t", u"\n", u"\n", u"\r\n", u"\r"})
+                     : OneIn(50)
+                         ? String(std::basic_string<CodeUnit>(OneIn(4) ? 300 : 1, OneIn(2) ? u'a' : u'\0'))
+                         : Pick(markers));
+        return page;
+    }
+
+    // A formatable block whose paragraphs are closed, unindented and not empty, without headings and links.
+    String OrderlyPage(std::size_t& fieldTexts) {
+        String page = u"<body>\n<div id=\"formatable\">\n";
+        for (auto blocks = random() % 6; blocks > 0; --blocks) {
+            bool const hasFields = OneIn(4);
+            page << (hasFields ? u"<input value=\"a\" placeholder=\"b\">\n<label>c</label>\n<p>\n"
+                               : u"<p>\n");
+            fieldTexts += hasFields ? 2 : 0;
+            for (auto words = random() % 60; words > 0; --words)
+                page << Pick({u"a", u"I.", u"some", u"words", u"end.", u"<b>x</b>", u"stop.",
+                              u"counterweights"})
+                     << (OneIn(9) ? Pick({u"\n", u"\n <br />\n", u"\n <br />\n <br />\n"}) : String(u" "));
+            page << u"last\n</p>\n";
+        }
+        return page << u"</div>\n</body>\n";
+    }
+
+    static void CompareCoverage(NativeCoverage const& coverage, Table const& table,
+                                std::vector<String> missing) {
+        std::erase_if(missing, [&](String const& text) { return table.Find(text) >= 0; });
+        std::vector<String> told;
+        for (auto const& text : coverage.missing)
+            told.push_back(text.text);
+        EXPECT_EQ(told, missing);
+        EXPECT_EQ(coverage.unused.size(), 0u);
+    }
+
+    Table RandomTable(std::vector<String> const& texts) {
+        Table table;
+        for (String const& text : texts)
+            if (OneIn(2) && table.Find(text) < 0)
+                table.Insert(text, OneIn(8) ? RandomPieces(6) : Pick({u"", u"Wert", u"zwei Worte.", u"a"}));
+        return table;
+    }
+};
+
+TEST_F(HtmlParserTest, AgreesWithThePlainRulesOnRandomPages) {
+    for (int round = 0; round < 4000; ++round) {
+        std::size_t ignored = 0;
+        String const start = OneIn(2) ? u"<div id=\"formatable\">\n<p>\n" : u"";
+        String const page =
+            OneIn(4) ? OrderlyPage(ignored) : start + RandomPieces(random() % (OneIn(40) ? 3000 : 80));
+        HtmlParser parser(page);
+        ReferenceParser reference(page);
+        for (int job = 0; job < 4; ++job) {
+            ASSERT_EQ(parser.GetAlteredHtml(), reference.html) << "round " << round << " job " << job;
+            bool const parseHead = OneIn(4);
+            Strings strings, expected;
+            NonSortableVArray<String> inOrder;
+            for (auto const known : {u"a", u"net work", u"same."})
+                if (job > 0 && OneIn(4))
+                    strings.Add(known), expected.Add(known);
+            parser.SetUnsortedExtraction(OneIn(8) ? nullptr : &inOrder);
+            parser.ExtractNativeStrings(strings, parseHead);
+            reference.Extract(expected, parseHead);
+            ASSERT_EQ(Listed(strings), Listed(expected));
+            ASSERT_TRUE(inOrder.Size() == 0 || Listed(inOrder) == reference.found);
+            ASSERT_EQ(parser.GetAlteredHtml(), reference.html) << "altered by extraction";
+            Table const table = RandomTable(Listed(strings));
+            if (job == 0)
+                CompareCoverage(CheckNativeCoverage(page, table, parseHead), table, reference.found);
+            int const width = static_cast<int>(random() % 60);
+            if (OneIn(2))
+                parser.SubstituteNativeStrings(table, parseHead), reference.Substitute(table, parseHead);
+            else
+                parser.FormatForCharactersWidth(width), reference.Format(width);
+        }
+    }
+}
+
+TEST_F(HtmlParserTest, AnEmptyTableAndWrappingKeepTheWordsOfOrderlyPages) {
+    auto const words = [](String const& page) {
+        std::vector<String> kept = Elements(page, nullptr);
+        std::erase_if(kept, [](String const& word) { return word == u"<br" || word == u"/>"; });
+        return kept;
+    };
+    for (int round = 0; round < 300; ++round) {
+        std::size_t fieldTexts = 0;
+        HtmlParser parser(OrderlyPage(fieldTexts));
+        String const before = parser.GetAlteredHtml();
+        parser.SubstituteNativeStrings(Table(), false);
+        std::vector<String> lines = Elements(parser.GetAlteredHtml(), &ParsableText::splitOnLineEnds);
+        ASSERT_EQ(std::erase(lines, String()), fieldTexts);
+        ASSERT_EQ(lines, Elements(before, &ParsableText::splitOnLineEnds));
+        parser.FormatForCharactersWidth(static_cast<int>(random() % 50) - 5);
+        ASSERT_EQ(words(parser.GetAlteredHtml()), words(before));
+    }
+}
+
+TEST_F(HtmlParserTest, CoverageTellsWhatIsMissingUnusedAndLost) {
+    Table table;
+    for (auto const key : {u"Top", u"never there", u"also never"})
+        table.Insert(key, key);
+    NativeCoverage const coverage =
+        CheckNativeCoverage(u"<h1>Top</h1>\n\n<p>one<br/>two</p>\n\n <p>\n  "
+                            u"more\n</p>\r\n<p>one<br/>one</p>\n<p>\nheld\r<h2>Top</h2>",
+                            table, false);
+    std::vector<std::vector<std::size_t>> lines;
+    for (auto const& missing : coverage.missing)
+        lines.push_back(missing.lines);
+    EXPECT_EQ(lines, (std::vector<std::vector<std::size_t>>{{3, 8}, {3}, {6}}));
+    EXPECT_EQ(coverage.unused, (std::vector<String>{u"also never", u"never there"}));
+    EXPECT_EQ(coverage.lostFrom, 10u);
+    EXPECT_EQ(CheckNativeCoverage(u"<p>a</p>", table, false).lostFrom, 0u);
+}
+
+String FileText(std::filesystem::path const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return DecodeFromUTF8(std::string(std::istreambuf_iterator<char>(file), {}).c_str(), false);
+}
+
+// What the jobs make of a page; each text becomes itself in brackets.
+String Report(String const& page) {
+    bool const parseHead = page.Find(u"</head>") >= 0;
+    HtmlParser parser(page), wrapped(page);
+    Strings strings;
+    NonSortableVArray<String> inOrder;
+    Table table;
+    parser.SetUnsortedExtraction(&inOrder);
+    parser.ExtractNativeStrings(strings, parseHead);
+    String report = u"==== filtered\n" + parser.GetAlteredHtml() + u"==== texts\n";
+    for (String const& text : Listed(inOrder)) {
+        report << u"[" << text << u"]\n";
+        table.Insert(text, u"[" + text + u"]");
+    }
+    parser.SubstituteNativeStrings(table, parseHead);
+    wrapped.FormatForCharactersWidth(40);
+    report << u"==== substituted\n" << parser.GetAlteredHtml();
+    return report << u"==== wrapped to 40\n" << wrapped.GetAlteredHtml();
+}
+
+// scripts/approve.sh sets QMT_APPROVE, and the approved files are written anew.
+TEST(HtmlPages, ComeOutAsApproved) {
+    int pages = 0;
+    for (auto const& entry : std::filesystem::directory_iterator(QMT_APPROVED_PAGES)) {
+        std::filesystem::path approved = entry.path();
+        if (approved.extension() != ".html")
+            continue;
+        ++pages;
+        String const report = Report(FileText(approved));
+        approved.replace_extension(".approved.txt");
+        if (std::getenv("QMT_APPROVE")) {
+            FormatableTextFile file(DecodeFromUTF8(approved.c_str(), false), nullptr);
+            ASSERT_EQ(TakeError(file.Open(false)), u"");
+            file << report;
+            ASSERT_EQ(TakeError(file.FlushFile(true, BaseFile::BOM::NoMark)), u"");
+        }
+        EXPECT_EQ(report, FileText(approved)) << approved;
+    }
+    EXPECT_GT(pages, 0);
+}
+
+} // namespace
+
+} // namespace QMT
