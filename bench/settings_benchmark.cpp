@@ -257,7 +257,7 @@ template <class Store>
 struct Setting {
     typename Store::Name section;
     typename Store::Name entry;
-    typename Store::Name value;
+    typename Store::Name values[2]; // taken in turn: stores may pass over a write that changes nothing
 };
 
 // All settings in an order of chance, the same for each store.
@@ -268,13 +268,14 @@ std::vector<Setting<Store>> Shuffled() {
         for (int entry = 0; entry < entriesInSection; ++entry) {
             std::string const number = std::to_string(section * entriesInSection + entry);
             settings.push_back({Store::Make("section" + std::to_string(section)),
-                                Store::Make("entry" + number), Store::Make("the value " + number)});
+                                Store::Make("entry" + number),
+                                {Store::Make("the value " + number), Store::Make("a setting " + number)}});
         }
     std::shuffle(settings.begin(), settings.end(), std::mt19937(1));
     return settings;
 }
 
-// use(store, setting) for one setting after the other, once all are written.
+// use(store, setting, turn) for one setting after the other, once all are written.
 template <class Store, class Use>
 void Run(benchmark::State& state, Use use) {
     Place const place;
@@ -282,11 +283,13 @@ void Run(benchmark::State& state, Use use) {
     auto const settings = Shuffled<Store>();
     bool isRight = true;
     for (auto const& setting : settings)
-        isRight = store.Write(setting.section, setting.entry, setting.value) && isRight;
+        isRight = store.Write(setting.section, setting.entry, setting.values[0]) && isRight;
     std::size_t next = 0;
+    std::size_t turn = 1;
     for (auto _ : state) {
-        isRight = use(store, settings[next]) && isRight;
+        isRight = use(store, settings[next], turn) && isRight;
         next = (next + 1) % settings.size();
+        turn = next == 0 ? 1 - turn : turn;
     }
     if (!isRight)
         state.SkipWithError("a setting was not written or not found");
@@ -294,14 +297,15 @@ void Run(benchmark::State& state, Use use) {
 
 template <class Store>
 void Read(benchmark::State& state) {
-    Run<Store>(state,
-               [](Store& store, auto const& setting) { return store.Read(setting.section, setting.entry); });
+    Run<Store>(state, [](Store& store, auto const& setting, std::size_t) {
+        return store.Read(setting.section, setting.entry);
+    });
 }
 
 template <class Store>
 void Write(benchmark::State& state) {
-    Run<Store>(state, [](Store& store, auto const& setting) {
-        return store.Write(setting.section, setting.entry, setting.value);
+    Run<Store>(state, [](Store& store, auto const& setting, std::size_t turn) {
+        return store.Write(setting.section, setting.entry, setting.values[turn]);
     });
 }
 

@@ -1,7 +1,9 @@
 #include "config/entry_file.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "platform/settled_file.h"
@@ -12,9 +14,16 @@ namespace QMT {
 
 namespace {
 
-constexpr int mostReads = 8;
+constexpr int mostReads = 12;
 constexpr int readsWithoutPause = 3;
 constexpr unsigned int pause = 1; // milliseconds
+
+// In front of another read, so many of which have not been enough.
+void PauseBehind(int reads) {
+    if (reads >= readsWithoutPause) {
+        MS_Sleep(pause);
+    }
+}
 
 struct FirstLine {
     String text;
@@ -23,19 +32,28 @@ struct FirstLine {
     bool operator==(FirstLine const& other) const = default;
 };
 
-// The first line as bytes of UTF-8, zero-terminated in place of its break; null when the head holds none.
-char const* FindPlainLine(char* head, std::size_t count) {
+enum class Outcome {
+    NoFile,
+    Settled,
+    Changing, // somebody is writing it, or its only line has no break
+    Unusual   // a long line, another encoding, or a zero in it
+};
+
+// Puts a zero in place of the break behind the first line, if that is plain UTF-8 and ends in the head.
+Outcome CutOffPlainLine(std::span<char, platform::settledHeadSize> head, std::size_t count) {
     constexpr char ends[] = {'\n', '\r', '\0'};
-    char* const end = std::find_first_of(head, head + count, std::begin(ends), std::end(ends));
+    auto const filled = head.first(count);
+    auto const end = std::find_first_of(filled.begin(), filled.end(), std::begin(ends), std::end(ends));
     bool const isUtf16 = count > 0 && (head[0] == '\xFE' || head[0] == '\xFF');
-    if (isUtf16 || end == head + count || *end == '\0') {
-        return nullptr;
+    if (isUtf16 || (end == filled.end() ? count == head.size() : *end == '\0')) {
+        return Outcome::Unusual;
+    }
+    if (end == filled.end()) {
+        return Outcome::Changing;
     }
     *end = '\0';
-    return head;
+    return Outcome::Settled;
 }
-
-enum class Outcome { NoFile, Settled, Unclear };
 
 // The usual case at the lowest cost: a short text in UTF-8 that nobody is writing.
 Outcome ReadShortLine(String const& path, String& text) {
@@ -45,12 +63,11 @@ Outcome ReadShortLine(String const& path, String& text) {
     if (platform::ReadHeadTwice(path.View(), head, count, agree)) {
         return Outcome::NoFile;
     }
-    char const* const line = agree ? FindPlainLine(head, count) : nullptr;
-    if (!line) {
-        return Outcome::Unclear;
+    Outcome const outcome = agree ? CutOffPlainLine(head, count) : Outcome::Changing;
+    if (outcome == Outcome::Settled) {
+        text = DecodeFromUTF8(head, true);
     }
-    text = DecodeFromUTF8(line, true);
-    return Outcome::Settled;
+    return outcome;
 }
 
 bool ReadFirstLine(String const& path, FirstLine& line) {
@@ -66,20 +83,17 @@ bool ReadFirstLine(String const& path, FirstLine& line) {
     return true;
 }
 
-// Any line, whatever its length and encoding, also one that never settles.
-bool ReadAnyLine(String const& path, String& text) {
+// Any line, whatever its length and encoding. At last what is there.
+bool ReadAnyLine(String const& path, int reads, String& text) {
     FirstLine line;
-    bool isSettled = false;
-    for (int reads = 0; reads < mostReads && !isSettled; ++reads) {
-        if (reads >= readsWithoutPause) {
-            MS_Sleep(pause);
-        }
-        FirstLine const before = std::move(line);
-        line = FirstLine();
+    for (bool isSettled = false; !isSettled && reads <= mostReads; ++reads) {
+        PauseBehind(reads);
+        FirstLine const before = std::exchange(line, FirstLine());
+        platform::LetWriterFinish(path.View());
         if (!ReadFirstLine(path, line)) {
             return false;
         }
-        isSettled = reads > 0 && line.isComplete && line == before;
+        isSettled = line.isComplete && line == before;
     }
     text = std::move(line.text);
     return true;
@@ -89,8 +103,14 @@ bool ReadAnyLine(String const& path, String& text) {
 
 bool ReadEntryFile(String const& path, String& text) {
     text.SetEmpty();
-    Outcome const outcome = ReadShortLine(path, text);
-    return outcome == Outcome::Unclear ? ReadAnyLine(path, text) : outcome == Outcome::Settled;
+    int reads = 0;
+    Outcome outcome = ReadShortLine(path, text);
+    while (outcome == Outcome::Changing && ++reads < mostReads) {
+        PauseBehind(reads);
+        outcome = ReadShortLine(path, text);
+    }
+    bool const isDone = outcome == Outcome::Settled || outcome == Outcome::NoFile;
+    return isDone ? outcome == Outcome::Settled : ReadAnyLine(path, reads, text);
 }
 
 } // namespace QMT

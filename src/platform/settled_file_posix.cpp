@@ -9,24 +9,67 @@
 
 namespace QMT::platform {
 
+namespace {
+
+// A file that is open for reading; the destructor closes it.
+class OpenedFile {
+public:
+    explicit OpenedFile(std::basic_string_view<CodeUnit> path) {
+        std::string const name = ToFileName(path);
+        if (name.find('\0') == std::string::npos) {
+            number = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+        } else {
+            errno = EINVAL;
+        }
+    }
+
+    OpenedFile(OpenedFile const&) = delete;
+    OpenedFile& operator=(OpenedFile const&) = delete;
+
+    ~OpenedFile() {
+        if (number >= 0) {
+            ::close(number);
+        }
+    }
+
+    int Number() const { return number; }
+
+private:
+    int number = -1;
+};
+
+// File systems answer where data begin under the lock that a write holds from its start to its end, while
+// most of them read without it.
+void WaitForLock(int file) {
+#if defined(SEEK_DATA)
+    ::lseek(file, 0, SEEK_DATA);
+#else
+    static_cast<void>(file);
+#endif
+}
+
+} // namespace
+
 SystemError ReadHeadTwice(std::basic_string_view<CodeUnit> path, std::span<char, settledHeadSize> head,
                           std::size_t& count, bool& agree) {
-    std::string const name = ToFileName(path);
-    if (name.find('\0') != std::string::npos) {
-        return EINVAL;
-    }
-    int const file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
+    OpenedFile const file(path);
+    ssize_t const got = file.Number() < 0 ? -1 : ::pread(file.Number(), head.data(), head.size(), 0);
+    if (got < 0) {
         return static_cast<SystemError>(errno);
     }
+    count = static_cast<std::size_t>(got);
+    WaitForLock(file.Number());
     char second[settledHeadSize];
-    ssize_t const got = ::pread(file, head.data(), head.size(), 0);
-    SystemError const error = got < 0 ? static_cast<SystemError>(errno) : 0;
-    agree = got >= 0 && ::pread(file, second, sizeof(second), 0) == got &&
-            std::memcmp(head.data(), second, static_cast<std::size_t>(got)) == 0;
-    count = got < 0 ? 0 : static_cast<std::size_t>(got);
-    ::close(file);
-    return error;
+    agree = ::pread(file.Number(), second, sizeof(second), 0) == got &&
+            std::memcmp(head.data(), second, count) == 0;
+    return 0;
+}
+
+void LetWriterFinish(std::basic_string_view<CodeUnit> path) {
+    OpenedFile const file(path);
+    if (file.Number() >= 0) {
+        WaitForLock(file.Number());
+    }
 }
 
 } // namespace QMT::platform

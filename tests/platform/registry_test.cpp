@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -132,6 +133,21 @@ TEST_P(AnyRegistryTest, DoesWhatASimpleModelDoes) {
             std::erase_if(model, [&](auto const& entry) { return entry.first == path && !hasSubKeys; });
         }
     }
+}
+
+TEST_P(AnyRegistryTest, ThreadsShareIt) {
+    for (std::array<std::jthread, 4> threads; auto& thread : threads)
+        thread = std::jthread([this, &thread, &first = threads[0]] {
+            RegistryCalls own{*inner};
+            String const name = String() << static_cast<int>(&thread - &first);
+            for (int round = 0; round < 50; ++round)
+                EXPECT_EQ((Results{own.Create(HKEY_CURRENT_USER, u"T"), own.Set(own.key, name, "1"),
+                                   own.DeleteValue(own.key, name), own.Set(own.key, name, "2"),
+                                   own.registry.RegCloseKey(own.key)}),
+                          Results(5, 0));
+        });
+    ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, u"T"), 0U);
+    EXPECT_EQ(calls.Names(calls.key, false), u"0|1|2|3|259");
 }
 
 std::string Utf16(std::u16string const& text) {
@@ -319,17 +335,21 @@ TEST_F(RegistryDatabaseTest, AUserWithoutRightsReadsAndIsRefusedToWrite) {
 }
 
 TEST(SystemRegistry, TakesItsFilesFromACallBeforeTheFirstUse) {
-    static TempDirectory const directory; // as long as the registry, which lasts until the process ends
-    EXPECT_TRUE(SetRegistryFiles(directory.Path(u"user.db"), directory.Path(u"machine.db")));
-    EXPECT_EQ(RegistryCalls{GetRegistry()}.Create(HKEY_CURRENT_USER, u"Software\\A"), 0U);
+    TempDirectory const directory;
+    ChildProcess user([&] { // whose first use it is
+        bool const isSet = SetRegistryFiles(directory.Path(u"user.db"), directory.Path(u"machine.db"));
+        Registry* const system = &GetRegistry();
+        bool const isUsed = RegistryCalls{*system}.Create(HKEY_CURRENT_USER, u"Software\\A") == 0 &&
+                            !SetRegistryFiles(u"a", u"b");
+        auto const memory = MakeMemoryRegistry();
+        bool const isReplaced = UseRegistry(memory.get()) == nullptr && &GetRegistry() == memory.get();
+        return isSet && isUsed && isReplaced && UseRegistry(nullptr) == memory.get() &&
+                       &GetRegistry() == system
+                   ? 0
+                   : 1;
+    });
+    EXPECT_EQ(user.Wait(), 0);
     EXPECT_TRUE(fs::exists(directory.Place() / "user.db"));
-    EXPECT_FALSE(SetRegistryFiles(u"other", u"other"));
-    Registry* const system = &GetRegistry();
-    auto const memory = MakeMemoryRegistry();
-    EXPECT_EQ(UseRegistry(memory.get()), nullptr);
-    EXPECT_EQ(&GetRegistry(), memory.get());
-    EXPECT_EQ(UseRegistry(nullptr), memory.get());
-    EXPECT_EQ(&GetRegistry(), system);
 }
 
 } // namespace
