@@ -249,21 +249,6 @@ TEST_F(LinkRaces, PullUnderWayDoesNotRestartTheLinkInFront) {
     EXPECT_TRUE(IsStopped(upstream) && IsStopped(link));
 }
 
-TEST_F(InternalLinks, LoseNothingWhileAnotherThreadStopsAPulledChain) {
-    Writer writer(3);
-    PullLink first(2);
-    PullLink last(3);
-    Reader reader;
-    first.SetPreceedingLink(&writer);
-    last.LinkToPreceeding(&first);
-    reader.LinkToPreceeding(&last);
-    TransferUnderStops(writer, reader, 3000, [&] { reader.StopLinkedProcessing(); });
-    reader.StopLinkedProcessing();
-    EXPECT_TRUE(first.order.IsAll(writer.next) && last.order.IsAll(writer.next));
-    EXPECT_EQ(reader.order.faults, 0);
-    EXPECT_TRUE(IsStopped(first) && IsStopped(last));
-}
-
 // Each round also destroys the links right after the stop.
 TEST_F(InternalLinks, CrossoverIsStoppedHoweverItIsJoined) {
     std::mt19937 generator = SeededGenerator();

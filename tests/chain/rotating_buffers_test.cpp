@@ -59,25 +59,6 @@ TEST(RotatingFixedBuffers, HoldsOneBufferLessThanItHasSlots) {
     }
 }
 
-TEST(RotatingFixedBuffers, SizesTravelWithTheirSlots) {
-    Ring ring(2, blockSize);
-    EXPECT_EQ(SizeNext(ring), 0U) << "it is given also when there is nothing to read";
-    unsigned char* const inSlot = ring.ForPeekRead();
-    ring.PartialEndWrite(100);
-    EXPECT_EQ(SizeNext(ring), 100U);
-    unsigned char* block = AllocateBlock(blockSize);
-    unsigned char* const mine = block;
-    std::size_t size = 5;
-    ring.PartialReadSwap(&block, &size);
-    EXPECT_TRUE(block == inSlot && size == 100 && ring.ForPartialPeekRead(size) == mine && size == 5);
-    FreeBlock(block);
-    for (int lap = 0; lap < 2; ++lap) { // the second one in the slot that held the sizes
-        ring.EndRead();
-        ring.EndWrite();
-        EXPECT_EQ(SizeNext(ring), 0U);
-    }
-}
-
 TEST(RotatingFixedBuffers, EndOfReadOnlyCountsWhileANotificationIsSet) {
     Ring ring(4, blockSize);
     CountingSemaphore ended(nullptr, 0);

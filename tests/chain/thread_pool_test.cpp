@@ -5,7 +5,6 @@
 #include <new>
 #include <optional>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -191,37 +190,6 @@ TEST_F(ThreadPoolTest, FailedStartLeavesThePoolAsItWas) {
         job.Finish();
         EXPECT_EQ(job.runs, 1);
     }
-}
-
-TEST_F(ThreadPoolTest, TasksMayComeFromManyThreadsAndFromTasks) {
-    struct Spawner {
-        static void Spawn(void* argument, Event*) {
-            auto* const self = static_cast<Spawner*>(argument);
-            auto const count = [](void* spawner, Event*) { ++static_cast<Spawner*>(spawner)->runs; };
-            Event done(true);
-            EXPECT_EQ(self->pool.RunTask(u"leaf", count, self, &done), nullptr);
-            SVArray<Event*, Event*> events;
-            events.Add(&done);
-            WaitOnEvents(events, -1); // and destroys it at once
-        }
-
-        ThreadPool& pool;
-        std::atomic<int> runs{0};
-    } spawner{*pool};
-
-    int const rounds = StressRounds(2000);
-    std::vector<std::jthread> threads;
-    for (std::size_t thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([&, thread] {
-            for (int i = 0; i < rounds; ++i) {
-                pool->AdjustMaxPoolSize(thread);
-                EXPECT_EQ(pool->RunTask(u"spawn", &Spawner::Spawn, &spawner, nullptr), nullptr);
-                Spawner::Spawn(&spawner, nullptr);
-            }
-        });
-    }
-    threads.clear();
-    WaitUntil([&] { return spawner.runs == 8 * rounds; });
 }
 
 } // namespace
