@@ -153,6 +153,7 @@ test_all() {
     test_preset tsan
     test_preset clang-asan
     test_preset clang-tsan
+    stage "fuzz" "$root/scripts/fuzz.sh" 10
 }
 
 mkdir -p "$logs"
