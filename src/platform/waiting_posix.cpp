@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <ctime>
 #include <mutex>
+#include <new>
 #include <thread>
 
 #if defined(__linux__)
@@ -132,8 +133,10 @@ struct SharedEpoch {
 };
 
 SharedEpoch& Shared() {
-    // Never destroyed: threads may still wait while the process ends.
-    static SharedEpoch& shared = *new SharedEpoch;
+    // Never destroyed: threads may still wait while the process ends. Not on the heap: the first call may
+    // come from a real-time thread that wakes another.
+    alignas(SharedEpoch) static unsigned char place[sizeof(SharedEpoch)];
+    static SharedEpoch& shared = *::new (static_cast<void*>(place)) SharedEpoch;
     return shared;
 }
 
