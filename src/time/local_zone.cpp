@@ -1,6 +1,7 @@
 #include "time/local_zone.h"
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "platform/local_time.h"
 #include "qmt/general/events.h"
 #include "qmt/time/portable_time.h"
+#include "qmt/time/utc_local_time.h"
 #include "time/time_access.h"
 #include "time/zone_search.h"
 
@@ -19,6 +21,8 @@ struct ZoneStore {
     CritSection section{"zone"};
     std::vector<std::unique_ptr<ZoneRecords const>> records QMT_GUARDED_BY(section); // those in force last
     PortableTime::YearSource yearSource QMT_GUARDED_BY(section) = PortableTime::YearSource::SystemClock;
+    std::uint64_t lastTurn QMT_GUARDED_BY(section) = 0;    // of the calls that have begun
+    std::uint64_t turnInForce QMT_GUARDED_BY(section) = 0; // whose records are in force
 };
 
 ZoneStore& Store() {
@@ -42,10 +46,16 @@ void PutInForce(ZoneStore& store, ZoneRecords const& found) QMT_REQUIRES(store.s
     recordsInForce.store(store.records.back().get(), std::memory_order_release);
 }
 
-PortableTime::YearSource LastYearSource() {
-    ZoneStore& store = Store();
+// Of calls beside each other the one that began last decides, whichever ends last. The time is fetched
+// outside the section, because a modifier may do what it likes, conversions included.
+void FindAnew(ZoneStore& store, PortableTime::YearSource source, std::uint64_t turn) {
+    bool const followsModifiers = source == PortableTime::YearSource::CurrentTime;
+    UTCTime const now = followsModifiers ? UTCTime::GetTimeNow() : UTCTime::GetSystemTimeNow();
     CritSectionLock const lock(&store.section);
-    return store.yearSource;
+    if (turn < store.turnInForce)
+        return;
+    store.turnInForce = turn;
+    PutInForce(store, FindRecords(TimeAccess::Seconds(now)));
 }
 
 } // namespace
@@ -53,9 +63,11 @@ PortableTime::YearSource LastYearSource() {
 constinit std::atomic<ZoneRecords const*> recordsInForce{nullptr};
 
 ZoneRecords const& FindAtFirstUse() {
-    CritSectionLock const lock(&Store().section);
+    ZoneStore& store = Store();
+    CritSectionLock const lock(&store.section);
+    // Takes no turn: a modifier that converts must not get ahead of the call that asked it.
     if (recordsInForce.load(std::memory_order_relaxed) == nullptr)
-        PortableTime::InitialiseZone();
+        PutInForce(store, FindRecords(TimeAccess::Seconds(UTCTime::GetSystemTimeNow())));
     return *recordsInForce.load(std::memory_order_relaxed);
 }
 
@@ -64,16 +76,26 @@ void PortableTime::InitialiseZone() {
 }
 
 void PortableTime::InitialiseZone(YearSource source) {
-    // Fetched outside the section, because a modifier may do what it likes, conversions included.
-    PortableTime const now = source == YearSource::CurrentTime ? GetTimeNow() : GetSystemTimeNow();
     ZoneStore& store = Store();
-    CritSectionLock const lock(&store.section);
-    store.yearSource = source;
-    PutInForce(store, FindRecords(TimeAccess::Seconds(now)));
+    std::uint64_t turn = 0;
+    {
+        CritSectionLock const lock(&store.section);
+        store.yearSource = source;
+        turn = ++store.lastTurn;
+    }
+    FindAnew(store, source, turn);
 }
 
 void PortableTime::RefreshZone() {
-    InitialiseZone(LastYearSource());
+    ZoneStore& store = Store();
+    YearSource source = YearSource::SystemClock;
+    std::uint64_t turn = 0;
+    {
+        CritSectionLock const lock(&store.section);
+        source = store.yearSource;
+        turn = ++store.lastTurn;
+    }
+    FindAnew(store, source, turn);
 }
 
 void PortableTime::Terminate() {
