@@ -1,4 +1,4 @@
-// The system's conversions between a count of seconds and the local wall clock.
+// The system's conversion of a count of seconds to what the local wall clock reads.
 #pragma once
 
 #include <cstdint>
@@ -14,16 +14,12 @@ namespace QMT::platform {
 // Any thread may call these, several at once. They enter the system, may wait for each other and may read
 // files. The environment does not change meanwhile.
 
-// From now on the zone is the one that the environment names now.
+// From now on the zone is the one that the environment names now. Zone data that was replaced on the disc
+// under the same name need not be read anew.
 void ReadLocalZone() noexcept;
 
 // The wall clock's reading at `utcSeconds` since 1970-01-01 00:00:00 UTC, all fields set. Empty when the
 // system cannot convert it.
 std::optional<std::tm> LocalFields(std::int64_t utcSeconds) noexcept;
-
-// When the wall clock reads year, month, day, hour, minute and second of `fields`, in seconds since
-// 1970-01-01 00:00:00 UTC. The system finds out whether saving time is in force; of a reading that the clock
-// skips or repeats it chooses a moment close by. Empty when the system cannot convert it.
-std::optional<std::int64_t> LocalToUtcSeconds(std::tm fields) noexcept;
 
 } // namespace QMT::platform

@@ -86,6 +86,10 @@ bool UTCTime::operator<(UTCTime const& other) const {
     return PortableTime::operator<(other);
 }
 
+bool UTCTime::operator>=(UTCTime const& other) const {
+    return PortableTime::operator>=(other);
+}
+
 bool UTCTime::operator==(UTCTime const& other) const {
     return PortableTime::operator==(other);
 }
@@ -167,6 +171,10 @@ bool LocalTime::operator>(LocalTime const& other) const {
 
 bool LocalTime::operator<(LocalTime const& other) const {
     return PortableTime::operator<(other);
+}
+
+bool LocalTime::operator>=(LocalTime const& other) const {
+    return PortableTime::operator>=(other);
 }
 
 bool LocalTime::operator==(LocalTime const& other) const {

@@ -28,14 +28,20 @@ std::int64_t OffsetAt(std::int64_t utcSeconds) {
     return FieldsToUtcSeconds(fields) - utcSeconds;
 }
 
-// When the wall clock shows 00:00 on the first of `month`, 0 to 11.
+// When the wall clock shows 00:00 on the first of `month`, 0 to 11. Where it does so twice, the second time,
+// so that what follows is the month's; where it skips 00:00, the moment behind the gap.
 std::int64_t MonthStart(std::int64_t year, int month) {
     std::tm fields{};
     fields.tm_year = static_cast<int>(year - 1900);
     fields.tm_mon = month;
     fields.tm_mday = 1;
-    std::optional<std::int64_t> const moment = platform::LocalToUtcSeconds(fields);
-    return moment ? *moment : FieldsToUtcSeconds(fields);
+    std::int64_t const reading = FieldsToUtcSeconds(fields);
+    std::int64_t const byFormerOffset = reading - OffsetAt(reading - secondsPerDay);
+    std::int64_t const byLaterOffset = reading - OffsetAt(reading + secondsPerDay);
+    std::int64_t const earlier = std::min(byFormerOffset, byLaterOffset);
+    std::int64_t const later = std::max(byFormerOffset, byLaterOffset);
+    auto const isShownAt = [reading](std::int64_t moment) { return moment + OffsetAt(moment) == reading; };
+    return isShownAt(earlier) && !isShownAt(later) ? earlier : later;
 }
 
 // The search for the first change of the offset behind a moment.

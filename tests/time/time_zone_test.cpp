@@ -12,6 +12,7 @@
 #include <map>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -46,6 +47,9 @@ TEST(TimeZone, FindsTheChangesOfAYear) {
         // A spell between two steps of 30 days.
         {2024, "AAA0BBB,J151/0,J160/0",
          u"0|3600|2024/05/31 00:00|2024/06/09 00:00|2024/05/31 00:00|2024/06/08 23:00|"},
+        // A year whose first hour is skipped.
+        {2004, "Asia/Khandyga",
+         u"36000|39600|2004/03/28 02:00|2004/10/31 03:00|2004/03/27 16:00|2004/10/30 16:00|"},
         // For good, east and west of Greenwich: June's offset holds to the end of the year in UTC too.
         {2016, "Europe/Istanbul",
          u"7200|10800|2016/03/27 03:00|2017/01/01 00:00|2016/03/27 01:00|2017/01/01 00:00|"},
@@ -114,6 +118,20 @@ TEST(TimeZone, RecordsStayUntilTheyAreAskedAnew) {
         []() -> PortableTime { return UTCTime(LocalTime(2031, 1, 1, 12, 0, 0)); });
     PortableTime::InitialiseZone(PortableTime::YearSource::CurrentTime);
     EXPECT_EQ(hourAndYear(), u"13|2031|");
+}
+
+TEST(TimeZone, OfTwoCallsTheOneThatBeganLastDecides) {
+    ZoneScope const zone(berlin, UTCTime(2024, 7, 1, 0));
+    static bool isFirst;
+    isFirst = true;
+    PortableTime::InstallCurrentTimeModifier([]() -> PortableTime {
+        if (!std::exchange(isFirst, false))
+            return UTCTime(2025, 1, 1, 0);
+        PortableTime::RefreshZone(); // begins later and ends before
+        return UTCTime(2024, 12, 31, 0);
+    });
+    PortableTime::RefreshZone();
+    EXPECT_EQ(PortableTime::FirstLocalChangeover().GetYear(), 2025);
 }
 
 TEST(TimeZone, ThreadsConvertWhileRecordsAreReplaced) {

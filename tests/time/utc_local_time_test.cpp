@@ -76,6 +76,16 @@ String UnitsOf(Time const& value) {
     return text;
 }
 
+// Beside a year that the search takes for unchanging, at New Year 2030.
+TEST(LocalTime, RecordsThatDisagreeAtNewYear) {
+    ZoneScope const zone("Africa/Casablanca", UTCTime(2029, 7, 1, 0));
+    LocalTime const reading(2030, 1, 1, 0, 30, 0);
+    EXPECT_EQ(UTCTime(reading).YMDHM(true), u"2030/01/01 00:30");
+    EXPECT_EQ(LocalTime(UTCTime(2029, 12, 31, 23, 30, 0)).YMDHM(true), u"2030/01/01 00:30");
+    EXPECT_EQ(reading.Classify().kind, ReadingKind::Repeated);
+    EXPECT_TRUE(reading >= UTCTime(2029, 12, 31, 23, 30, 0) && !(reading >= UTCTime(2030, 1, 1, 1, 30, 0)));
+}
+
 TEST(LocalTime, TimeUnitsAndRounding) {
     struct {
         char const* zone; // null for UTC

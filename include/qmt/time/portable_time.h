@@ -177,8 +177,10 @@ public:
     // Finds the records of the local zone, which is the one that the environment names at this moment, for
     // the current local year, the one before and the one after it. Conversions and the queries below rest on
     // them and on nothing else; without them the first conversion or query calls this. When there are records
-    // already they are replaced as by `RefreshZone`. Enters the system and reads files; the environment does
-    // not change meanwhile. From any thread; one waits while another is at it.
+    // already they are replaced as by `RefreshZone`. Zone data that was replaced on the disc behind the same
+    // name the system may have read once and for all. Enters the system and reads files; the environment does
+    // not change meanwhile. From any thread; one waits while another is at it, and the records of the call
+    // that began last stay.
     static void InitialiseZone();
     static void InitialiseZone(YearSource source);
 
@@ -188,7 +190,8 @@ public:
     // `InitialiseZone`.
     static void RefreshZone();
 
-    // Frees the records, replaced ones included. No other thread uses local time or the zone meanwhile.
+    // Frees the records, replaced ones included; the current year comes from the system's clock again, until
+    // `InitialiseZone` says otherwise. No other thread uses local time or the zone meanwhile.
     static void Terminate();
 
     // Whether the zone changes its offset in the current year, the next, the past; not whether saving time

@@ -41,7 +41,8 @@ public:
 
     // The moment at which the wall clock shows `local`: of a reading that it repeats the first one, and for a
     // reading that it skips as if it had been set forward already. Exact for the three years of the zone's
-    // records; beyond them the January offset of the nearest year holds.
+    // records, where those are; beyond them the January offset of the nearest year holds. The record is that
+    // of the year which the reading shows.
     UTCTime(LocalTime const& local);
 
     // The time that the application is to see: a modifier in force counts.
@@ -59,6 +60,7 @@ public:
 
     bool operator>(UTCTime const& other) const;
     bool operator<(UTCTime const& other) const;
+    bool operator>=(UTCTime const& other) const;
     bool operator==(UTCTime const& other) const;
 
     // The boundary of time units after, before and at the value's own unit. Boundaries are counted anew from
@@ -102,8 +104,8 @@ public:
     explicit LocalTime(String text);
     LocalTime(String date, unsigned int slot);
 
-    // What the wall clock shows at `utc`. Exact for the three years of the zone's records; beyond them the
-    // January offset of the nearest year holds.
+    // What the wall clock shows at `utc`. Exact for the three years of the zone's records, where those are;
+    // beyond them the January offset of the nearest year holds. The record is that of the year in UTC.
     LocalTime(UTCTime const& utc);
 
     // The time that the application is to see: a modifier in force counts.
@@ -124,6 +126,7 @@ public:
 
     bool operator>(LocalTime const& other) const;
     bool operator<(LocalTime const& other) const;
+    bool operator>=(LocalTime const& other) const;
     bool operator==(LocalTime const& other) const;
 
     // The boundaries after and before the value's time unit, counted from the whole hours of UTC.
@@ -139,7 +142,9 @@ public:
     void RoundUpMinutes(int minutes);
 
     // Whether the clock shows the reading once, never or twice, and the moments that it can mean. It judges
-    // by the zone's records, as conversions do.
+    // by what conversions from UTC give nearby. Within a day of New Year, beside a year whose record is not
+    // exact, the clock it sees may jump where the system's does not; the conversion of the reading, which
+    // asks one record only, can then differ from all moments given here.
     LocalReading Classify() const;
 };
 
