@@ -198,7 +198,10 @@ std::string FindChanges(int year, std::vector<std::int64_t>& changes) {
         inYear += high < end ? 1 : 0;
         changes.push_back(last = high);
     }
-    std::int64_t const jan = SystemOffset(start), jun = SystemOffset(MonthStart(year, 6) - jan);
+    std::int64_t const june = MonthStart(year, 6), jan = SystemOffset(start);
+    // Behind the gap where the start is skipped.
+    std::int64_t const jun =
+        SystemOffset(std::max(june - SystemOffset(june - day), june - SystemOffset(june + day)));
     return isNewYear                  ? "(change within a day of New Year)"
            : inYear == 0              ? "unchanging"
            : isOff                    ? "(change off the half hours)"
