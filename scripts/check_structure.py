@@ -30,7 +30,10 @@ MAY_INCLUDE = {
 }
 
 # Headers from outside, other than the C++ library's, that a subsystem's sources may include.
-OUTSIDE = {"general": re.compile(r"utf8(/.*)?\.h")}
+OUTSIDE = {
+    "general": re.compile(r"utf8(/.*)?\.h"),
+    "html": re.compile(r"emmintrin\.h"), # instructions of one processor, with a way without them beside
+}
 
 SYSTEM_MACRO = re.compile(
     r"\b(_?WIN(32|64)|_WIN\w+|__(linux|unix|APPLE|ANDROID|CYGWIN|MINGW\w*|FreeBSD|gnu_linux|GLIBC)\w*|"

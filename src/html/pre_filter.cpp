@@ -40,17 +40,14 @@ struct LineMarks {
             NoteFirst(first[Paragraph], place);
             break;
         case u't':
-            NoteIf(rest.starts_with(u"<td"_view), Cell, place);
+            NoteIf(BeginsWith<u"<td">(rest), Cell, place);
             break;
         case u'd':
-            NoteIf(rest.starts_with(divisionMarker), Division, place);
+            NoteIf(BeginsWith<u"<div">(rest), Division, place);
             NoteIf(rest.starts_with(formatableMarker), Formatable, place);
             break;
         case u'/':
-            NoteIf(rest.starts_with(paragraphEnd), ParagraphEnd, place);
-            NoteIf(rest.starts_with(divisionEnd), DivisionEnd, place);
-            NoteIf(rest.starts_with(formEnd), FormEnd, place);
-            NoteIf(rest.starts_with(cellEnd), CellEnd, place);
+            NoteClosingTag(rest, place);
             break;
         case u'b':
             NoteBreak(rest, place);
@@ -72,44 +69,123 @@ private:
         }
     }
 
+    void NoteClosingTag(TextView rest, std::size_t place) {
+        NoteIf(BeginsWith<u"</p>">(rest), ParagraphEnd, place);
+        NoteIf(BeginsWith<u"</div>">(rest), DivisionEnd, place);
+        NoteIf(BeginsWith<u"</form>">(rest), FormEnd, place);
+        NoteIf(BeginsWith<u"</td>">(rest), CellEnd, place);
+    }
+
     void NoteBreak(TextView rest, std::size_t place) {
-        constexpr TextView shortForm = u"<br/>"_view;
-        constexpr TextView longForm = u"<br />"_view;
-        if (rest.starts_with(shortForm)) {
-            breaks.push_back({place, place + shortForm.size()});
-        } else if (rest.starts_with(longForm)) {
-            breaks.push_back({place, place + longForm.size()});
+        if (BeginsWith<u"<br/>">(rest)) {
+            breaks.push_back({place, place + std::size("<br/>") - 1});
+        } else if (BeginsWith<u"<br />">(rest)) {
+            breaks.push_back({place, place + normalBreak.size() - 1});
         }
     }
 };
 
-// Takes the filtered lines and drops the blank ones.
-class FilledLines {
+// A line break to insert, with the indentation behind it or not.
+struct Split {
+    std::size_t place;
+    bool isIndented;
+};
+
+// Those of a line, by place.
+class Splits {
 public:
-    FilledLines(std::size_t expectedUnits, std::vector<std::size_t>* lineNumbers)
-        : out(expectedUnits), sourceLines(lineNumbers) {}
+    void Clear() { count = 0; }
 
-    void Append(TextView piece) { out.Append(piece); }
-
-    void EndLine(std::size_t sourceLine) {
-        TextBuffer& text = out.Text();
-        if (std::all_of(text.begin() + static_cast<std::ptrdiff_t>(lineStart), text.end(), IsWhiteSpace)) {
-            text.resize(lineStart);
-            return;
-        }
-        out.EndLine();
-        lineStart = text.size();
-        if (sourceLines) {
-            sourceLines->push_back(sourceLine);
-        }
+    // Against others at the same place.
+    void InsertInFront(Split split) {
+        Insert(split, [&](Split const& other) { return other.place >= split.place; });
     }
 
-    String Take() { return out.Take(); }
+    void InsertBehind(Split split) {
+        Insert(split, [&](Split const& other) { return other.place > split.place; });
+    }
+
+    Split const* begin() const { return all.data(); }
+
+    Split const* end() const { return all.data() + count; }
 
 private:
-    PageWriter out;
+    template <typename IsBehind>
+    void Insert(Split split, IsBehind const& isBehind) {
+        std::size_t at = count++;
+        for (; at > 0 && isBehind(all[at - 1]); --at)
+            all[at] = all[at - 1];
+        all[at] = split;
+    }
+
+    std::array<Split, 2 * StepCount + 1> all; // two for each step, one for a heading
+    std::size_t count = 0;
+};
+
+// Takes the filtered lines, each an indentation and a stretch of the page, and drops the blank ones.
+class FilledLines {
+public:
+    FilledLines(TextView wholePage, std::vector<std::size_t>* lineNumbers)
+        : page(wholePage),
+          sourceLines(lineNumbers),
+          text(page.size() + page.size() / 8 + slack, CodeUnit{0}) {}
+
+    void Add(TextView indent, Stretch line, std::size_t sourceLine) {
+        TextView const units = page.substr(line.begin, line.end - line.begin);
+        if (std::all_of(units.begin(), units.end(), IsWhiteSpace))
+            return;
+        MakeRoom(indent.size() + units.size());
+        for (CodeUnit const unit : indent)
+            text[used++] = unit;
+        CopyFromPage(line);
+        EndLine(sourceLine);
+    }
+
+    void AddBreak(std::size_t sourceLine) {
+        MakeRoom(normalBreak.size());
+        for (CodeUnit const unit : normalBreak)
+            text[used++] = unit;
+        EndLine(sourceLine);
+    }
+
+    String Take() {
+        text.resize(used);
+        return String(std::move(text));
+    }
+
+private:
+    // Pieces are copied in steps of so many units, past their end, which later pieces then cover.
+    static constexpr std::size_t step = 8;
+
+    // Room for such a step and for a line break.
+    static constexpr std::size_t slack = step + 2;
+
+    void MakeRoom(std::size_t units) {
+        if (text.size() - used < units + slack)
+            text.resize(text.size() + std::max(text.size() / 2, units + slack));
+    }
+
+    void CopyFromPage(Stretch line) {
+        CodeUnit* to = text.data() + used;
+        used += line.end - line.begin;
+        for (; line.begin < line.end && page.size() - line.begin >= step; line.begin += step, to += step)
+            std::copy_n(page.data() + line.begin, step, to);
+        for (; line.begin < line.end; ++line.begin, ++to)
+            *to = page[line.begin];
+    }
+
+    void EndLine(std::size_t sourceLine) {
+        for (CodeUnit const unit : lineBreak)
+            text[used++] = unit;
+        if (sourceLines)
+            sourceLines->push_back(sourceLine);
+    }
+
+    TextView page;
     std::vector<std::size_t>* sourceLines;
-    std::size_t lineStart = 0;
+    TextBuffer const lineBreak{(String() << newline).View()};
+    TextBuffer text;
+    std::size_t used = 0;
 };
 
 // Filters a page in one pass: for each line it gathers the places where the steps split it, and then writes
@@ -122,7 +198,7 @@ private:
 class PageFilter {
 public:
     PageFilter(TextView wholePage, std::vector<std::size_t>* sourceLines)
-        : page(wholePage), out(wholePage.size() + wholePage.size() / 8, sourceLines) {}
+        : page(wholePage), out(wholePage, sourceLines) {}
 
     String Filter() {
         for (std::size_t begin = 0; begin < page.size();) {
@@ -136,12 +212,6 @@ public:
     }
 
 private:
-    // A line break to insert, with the indentation behind it or not.
-    struct Split {
-        std::size_t place;
-        bool isIndented;
-    };
-
     // Notes the marks of the line and gives the place where it ends.
     std::size_t ReadMarks(std::size_t begin) {
         marks.Clear();
@@ -155,7 +225,7 @@ private:
     }
 
     void FindSplits(Stretch line) {
-        splits.clear();
+        splits.Clear();
         indent.clear();
         SplitAtOpeningTag(line, Paragraph);
         SplitAtOpeningTag(line, Cell);
@@ -196,8 +266,7 @@ private:
         bool const wasSettled = !indent.empty();
         SplitBefore(StepBackOverWhitespace(line, tag.begin), wasSettled && mayBeIndented);
         // What stands behind the tag goes in front of all that earlier steps have inserted there.
-        splits.insert(std::ranges::lower_bound(splits, tag.end, {}, &Split::place),
-                      {tag.end, !indent.empty()});
+        splits.InsertInFront({tag.end, !indent.empty()});
     }
 
     // The rest of the line stays behind this tag, and white space before it is repeated by the indentation.
@@ -206,9 +275,7 @@ private:
         SplitBefore(begin, !indent.empty());
     }
 
-    void SplitBefore(std::size_t place, bool isIndented) {
-        splits.insert(std::ranges::upper_bound(splits, place, {}, &Split::place), {place, isIndented});
-    }
+    void SplitBefore(std::size_t place, bool isIndented) { splits.InsertBehind({place, isIndented}); }
 
     // Where a tag begins with the white space before it, which becomes the indentation, its last unit first.
     // Once there is an indentation, tags begin where they stand.
@@ -223,25 +290,23 @@ private:
     }
 
     void WritePieces(Stretch line) {
-        auto split = splits.begin();
+        TextView indentHere;
+        auto const* split = splits.begin();
         auto const writeTo = [&](std::size_t end) {
             for (; split != splits.end() && split->place <= end; ++split) {
-                out.Append(page.substr(line.begin, split->place - line.begin));
-                out.EndLine(lineNumber);
-                out.Append(split->isIndented ? TextView(indent) : TextView());
+                out.Add(indentHere, {line.begin, split->place}, lineNumber);
+                indentHere = split->isIndented ? TextView(indent) : TextView();
                 line.begin = split->place;
             }
-            out.Append(page.substr(line.begin, end - line.begin));
+            out.Add(indentHere, {line.begin, end}, lineNumber);
+            indentHere = {};
         };
         for (Stretch const& lineBreak : marks.breaks) {
             writeTo(lineBreak.begin);
-            out.EndLine(lineNumber);
-            out.Append(normalBreak);
-            out.EndLine(lineNumber);
+            out.AddBreak(lineNumber);
             line.begin = lineBreak.end;
         }
         writeTo(line.end);
-        out.EndLine(lineNumber);
     }
 
     TextView page;
@@ -250,7 +315,7 @@ private:
     std::size_t lineNumber = 0;
     // Of the line at hand; they keep their storage from line to line.
     LineMarks marks;
-    std::vector<Split> splits;
+    Splits splits;
     TextBuffer indent;
 };
 
