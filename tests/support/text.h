@@ -1,23 +1,37 @@
-// What tests of every folder need with text: readable failures, and values and errors turned into text.
+// What tests of every folder need: the headers of the language and of GoogleTest that most use, readable
+// failures, and values and errors turned into text.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <limits>
 #include <memory>
-#include <ostream>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
 
 #include "qmt/general/errors.h"
 #include "qmt/general/string.h"
+#include "support/seed.h"
 
 namespace QMT {
 
 // Lets GoogleTest print text: ASCII as it is, other code units in hexadecimal.
 inline void PrintTo(String const& text, std::ostream* out) {
-    for (CodeUnit const unit : text.View()) {
-        if (unit >= 0x20 && unit < 0x7F) {
+    for (CodeUnit const unit : text.View())
+        if (unit >= 0x20 && unit < 0x7F)
             *out << static_cast<char>(unit);
-        } else {
+        else
             *out << "{" << std::hex << unsigned{unit} << std::dec << "}";
-        }
-    }
 }
 
 // The values as text, with a bar behind each.
