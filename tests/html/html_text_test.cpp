@@ -1,8 +1,5 @@
 #include "qmt/html/html_text.h"
 
-#include <gtest/gtest.h>
-#include <utility>
-
 #include "qmt/general/files.h"
 #include "support/text.h"
 

@@ -1,10 +1,5 @@
 #include "qmt/html/native_strings.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <string>
-
 #include "qmt/diagnostics/error_log.h"
 #include "support/memory_medium.h"
 #include "support/temp_directory.h"

@@ -2,6 +2,8 @@
 // are compared with.
 #pragma once
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "qmt/general/containers.h"
@@ -15,8 +17,7 @@ public:
     explicit ReferenceParser(String const& page) : html(page) { PreFilter(); }
 
     String html;
-    std::vector<String>
-        found; // by Extract, in the order of the page, without those that strings held already
+    std::vector<String> found; // by Extract, in the page's order, without those that were known
 
     void Extract(VArray<String, String>& into, bool parseHead) {
         strings = &into;
@@ -71,6 +72,10 @@ private:
 
     static bool Has(String const& text, String const& part) { return Find(text, part) >= 0; }
 
+    static bool HasOneOf(String const& text, Row const& parts) {
+        return std::ranges::any_of(parts, [&](String const& part) { return Has(text, part); });
+    }
+
     static Row Split(String const& text, bool atLineEnds) {
         Row parts;
         ParsableText elements(text);
@@ -81,11 +86,9 @@ private:
     }
 
     static void StepBack(String const& text, int& at, String& indent) {
-        for (bool const isSet = !indent.IsEmpty(); !isSet && at > 0; --at) {
-            if (text[at - 1] != u' ' && text[at - 1] != u'\t')
-                return;
+        bool const isSet = !indent.IsEmpty();
+        for (; !isSet && at > 0 && (text[at - 1] == u' ' || text[at - 1] == u'\t'); --at)
             indent << text[at - 1];
-        }
     }
 
     // Puts the pieces on both sides of [begin, end) apart, with middle between them.
@@ -98,17 +101,9 @@ private:
         int const end = Find(line, u">", begin) + 1;
         if (end == 0)
             return;
-        String tag;
-        tag << newline << (marker == u"</td>" ? String() : indent);
+        String const front = lineEnd + (marker == u"</td>" ? String() : indent);
         StepBack(line, begin, indent);
-        tag << Cut(line, begin, end) << newline << indent;
-        Rewrite(line, begin, tag, end);
-    }
-
-    static void SplitBefore(String& line, int at, String const& indent) {
-        String inserted;
-        inserted << newline << indent;
-        Rewrite(line, at, inserted, at);
+        Rewrite(line, begin, front + Cut(line, begin, end) + lineEnd + indent, end);
     }
 
     void PreFilter() {
@@ -119,19 +114,17 @@ private:
             SplitOff(line, indent, u"<td");
             if (int at = Find(line, u"<div id=\"formatable\""); at >= 0) {
                 StepBack(line, at, indent);
-                SplitBefore(line, at, indent);
+                Rewrite(line, at, lineEnd + indent, at);
             } else {
                 SplitOff(line, indent, u"<div");
             }
             for (auto const tag : {u"</p>", u"</div>", u"</form>", u"</td>"})
                 SplitOff(line, indent, tag);
-            String inserted;
-            inserted << newline << u" <br />" << newline;
             for (String const tag : {u"<br/>", u"<br />"})
                 for (int at = 0; (at = Find(line, tag, at)) >= 0; at += 7 + 2)
-                    Rewrite(line, at, inserted, at + Len(tag));
+                    Rewrite(line, at, lineEnd + u" <br />" + lineEnd, at + Len(tag));
             if (int const at = Find(line, u"<h"); at >= 0 && Find(line, u"<html") != at)
-                SplitBefore(line, at, u"");
+                Rewrite(line, at, lineEnd, at);
             first << line << newline;
         }
         html.SetEmpty();
@@ -174,28 +167,14 @@ private:
 
     void ReadField(String const& line, String& output) {
         String result = line, text;
-        for (auto const type : {u"type=\"radio\"", u"type=\"checkbox\"", u"type=\"hidden\""}) {
-            if (Has(line, type)) {
-                output << line << newline;
-                return;
-            }
-        }
-        for (auto const marker : {u"value=\"", u"placeholder=\""}) {
-            if (CutBehind(line, marker, u"\"", text) && (*marker == u'p' || !Has(text, u".htm"))) {
+        bool const isText = !HasOneOf(line, {u"type=\"radio\"", u"type=\"checkbox\"", u"type=\"hidden\""});
+        for (auto const marker : {u"value=\"", u"placeholder=\""})
+            if (isText && CutBehind(line, marker, u"\"", text) && (*marker == u'p' || !Has(text, u".htm"))) {
                 String replaced;
                 CollectOrSubstitute(text.TrimAll(), result, replaced);
                 result = replaced;
             }
-        }
         output << result << newline;
-    }
-
-    static bool Interrupts(String const& line) {
-        for (auto const marker : {u"<select", u"</select>", u"<input", u"<form", u"</form>", u"&nbsp;",
-                                  u"<br", u"type=\"hidden\""})
-            if (Has(line, marker))
-                return true;
-        return false;
     }
 
     String ParseOut(bool inHead) {
@@ -232,7 +211,8 @@ private:
             } else if (Has(line, u"</p>")) {
                 Flush(paragraph, output, true);
                 inParagraph = false;
-            } else if (inParagraph && !Interrupts(line)) {
+            } else if (inParagraph && !HasOneOf(line, {u"<select", u"</select>", u"<input", u"<form",
+                                                       u"</form>", u"&nbsp;", u"<br", u"type=\"hidden\""})) {
                 paragraph << line << newline;
                 continue;
             } else {
@@ -251,64 +231,52 @@ private:
         return output;
     }
 
-    static bool Stops(String const& word) { return word.Right(1) == u"."; }
-
-    // The sum of the words with one blank behind each.
-    static int Total(Row const& row) {
-        int total = 0;
-        for (String const& word : row)
-            total += Len(word) + 1;
-        return total;
-    }
-
-    static void MoveDown(Row& upper, Row& lower) {
-        lower.insert(lower.begin(), upper.back());
-        upper.pop_back();
-    }
-
-    static void MoveUp(Row& upper, Row& lower) {
-        upper.push_back(lower.front());
-        lower.erase(lower.begin());
-    }
-
-    static std::vector<Row> Fill(Row const& row, int width) {
-        int const total = Total(row);
-        int target = total <= width ? width : total, column = 0;
+    // Breaks the words into lines of about the same length, moves strays at full stops, and evens out twice.
+    static void FormatRow(Row const& row, int width, int& blankRun, String& output) {
+        auto const stops = [&](std::size_t word) { return row[word].Right(1) == u"."; };
+        auto const total = [&](std::size_t begin, std::size_t end) { // one blank behind each word
+            int sum = 0;
+            for (; begin < end; ++begin)
+                sum += Len(row[begin]) + 1;
+            return sum;
+        };
+        int const whole = total(0, row.size());
+        int target = std::max(whole, width), column = 0;
         for (int n = 1; target > width; ++n)
-            target = total / n;
-        std::vector<Row> lines(1);
-        for (String const& word : row) {
-            if (column + Len(word) > target) {
-                lines.emplace_back();
-                column = 0;
+            target = whole / n;
+        std::vector<std::size_t> begins{0};
+        for (std::size_t word = 0; word < row.size(); column += Len(row[word++]) + 1)
+            if (column + Len(row[word]) > target)
+                begins.push_back(word), column = 0;
+        begins.push_back(row.size());
+        for (int pass = 0; pass < 3; ++pass)
+            for (std::size_t line = 1; line + 1 < begins.size(); ++line) {
+                std::size_t const upper = begins[line - 1], end = begins[line + 1];
+                std::size_t& lower = begins[line];
+                if (pass == 0) {
+                    if (lower - upper >= 2 && stops(lower - 2))
+                        --lower;
+                    if (lower < end && stops(lower))
+                        ++lower;
+                    continue;
+                }
+                auto const surplus = [&] { return total(upper, lower) - total(lower, end); };
+                bool const isDown = surplus() > 0;
+                bool isDone = lower == upper || lower == end || stops(lower - 1);
+                while (!isDone && (isDown ? surplus() > 0 : surplus() < 0)) {
+                    if ((!isDown && end - lower >= 2 && stops(lower + 1)) ||
+                        std::abs(surplus()) < Len(row[isDown ? lower - 1 : lower]) + 1)
+                        break;
+                    lower += isDown ? std::size_t{0} - 1 : 1;
+                    isDone = isDown && stops(lower);
+                }
             }
-            lines.back().push_back(word);
-            column += Len(word) + 1;
-        }
-        return lines;
-    }
-
-    static void MoveStrays(Row& upper, Row& lower) {
-        if (upper.size() >= 2 && Stops(upper[upper.size() - 2]))
-            MoveDown(upper, lower);
-        if (!lower.empty() && Stops(lower[0]))
-            MoveUp(upper, lower);
-    }
-
-    static void Balance(Row& upper, Row& lower) {
-        if (upper.empty() || lower.empty())
-            return;
-        bool period = Stops(upper.back());
-        bool const isDown = Total(lower) < Total(upper);
-        if (!isDown && period)
-            return;
-        while (isDown ? Total(lower) < Total(upper) && !period : Total(upper) < Total(lower)) {
-            if (!isDown && lower.size() >= 2 && Stops(lower[1]))
-                return;
-            if (std::abs(Total(upper) - Total(lower)) < Len(isDown ? upper.back() : lower.front()) + 1)
-                return;
-            (isDown ? MoveDown : MoveUp)(upper, lower);
-            period = isDown && Stops(lower.front());
+        for (std::size_t line = 0; line + 1 < begins.size(); ++line) {
+            bool const isEmpty = begins[line] == begins[line + 1];
+            for (std::size_t word = begins[line]; word < begins[line + 1]; ++word)
+                output << row[word] << u" ";
+            output << (!isEmpty ? u"<br />" : blankRun < 2 ? u" <br />" : u"") << newline;
+            blankRun = isEmpty ? blankRun + 1 : 1;
         }
     }
 
@@ -322,22 +290,12 @@ private:
             if (isBreak && row.empty() && blankRun++ < 2)
                 output << u" <br />" << newline;
             i += isBreak ? 1 : 0;
-            if (row.empty() || (!isBreak && i + 1 < words.size()))
-                continue;
-            std::vector<Row> lines = Fill(row, width);
-            for (auto const step : {MoveStrays, Balance, Balance})
-                for (std::size_t line = 0; line + 1 < lines.size(); ++line)
-                    step(lines[line], lines[line + 1]);
-            for (Row const& line : lines) {
-                for (String const& word : line)
-                    output << word << u" ";
-                output << (!line.empty() ? u"<br />" : blankRun < 2 ? u" <br />" : u"") << newline;
-                blankRun = line.empty() ? blankRun + 1 : 1;
-            }
-            row.clear();
+            if (!row.empty() && (isBreak || i + 1 >= words.size()))
+                FormatRow(std::exchange(row, {}), width, blankRun, output);
         }
     }
 
+    static inline String const lineEnd = String() << newline;
     VArray<String, String>* strings = nullptr;
     Map<String, String> const* natives = nullptr;
 };
