@@ -1,7 +1,5 @@
 #include "qmt/chain/chain_links.h"
 
-#include <gtest/gtest.h>
-
 #include "support/chain_fixtures.h"
 
 namespace QMT {
@@ -12,12 +10,9 @@ TEST(ChainLinks, AreJoinedAlikeFromBothEndsOrOneWay) {
         Writer writer(3);
         Spy next;
         writer.StopLinkedProcessing(); // nobody is there
-        if (way == 0)
-            writer.LinkToFollowing(&next);
-        else if (way == 1)
-            next.LinkToPreceeding(&writer);
-        else
-            next.SetPreceedingLink(&writer);
+        way == 0   ? writer.LinkToFollowing(&next)
+        : way == 1 ? next.LinkToPreceeding(&writer)
+                   : next.SetPreceedingLink(&writer);
         EXPECT_TRUE(next.GetPreceeding() == &writer && writer.GetPreceeding() == nullptr);
         next.onCall = [&] {
             EXPECT_TRUE(writer.GetBuffers().TestRead()) << "the buffer comes before the push";
@@ -50,10 +45,8 @@ TEST(ChainLinks, ReaderPullsOnceForEachLook) {
     EXPECT_EQ(source.pulls, 2);
     EXPECT_TRUE(reader.TestRead()) << "a notification keeps the slot";
     reader.StopLinkedProcessing();
-    EXPECT_EQ(source.stops, 1);
     source.SetTraceName(u"in");
-    EXPECT_TRUE(source.GetTraceName() == String(u"in") &&
-                source.GetBuffers().GetTraceName() == String(u"in"));
+    EXPECT_TRUE(source.stops == 1 && source.GetBuffers().GetTraceName() == String(u"in"));
 }
 
 } // namespace

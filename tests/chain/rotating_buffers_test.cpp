@@ -1,15 +1,9 @@
 #include "qmt/chain/rotating_buffers.h"
 
-#include <algorithm>
 #include <new>
-#include <thread>
-#include <utility>
-
-#include <gtest/gtest.h>
 
 #include "support/chain_fixtures.h"
 #include "support/failing_allocations.h"
-#include "support/seed.h"
 
 namespace QMT {
 namespace {
@@ -45,8 +39,7 @@ std::size_t SizeNext(Ring& ring) {
 TEST(RotatingFixedBuffers, HoldsOneBufferLessThanItHasSlots) {
     for (int const slots : {0, 1, 2, 3, 4, 64}) {
         Ring ring(slots, blockSize);
-        Number written = 0;
-        Number read = 0;
+        Number written = 0, read = 0;
         for (int lap = 0; lap <= 2 * slots; ++lap) { // it begins at every slot and wraps everywhere
             while (Write(ring, written))
                 ++written;
@@ -62,8 +55,7 @@ TEST(RotatingFixedBuffers, HoldsOneBufferLessThanItHasSlots) {
 TEST(RotatingFixedBuffers, EndOfReadOnlyCountsWhileANotificationIsSet) {
     Ring ring(4, blockSize);
     CountingSemaphore ended(nullptr, 0);
-    Number written = 0;
-    Number read = 0;
+    Number written = 0, read = 0;
     for (int lap = 0; lap < 8; ++lap) { // switched with buffers in flight, at every slot
         while (Write(ring, written))
             ++written;
@@ -87,31 +79,30 @@ TEST(RotatingFixedBuffers, EndOfReadOnlyCountsWhileANotificationIsSet) {
 }
 
 TEST(RotatingFixedBuffers, SetUpAnewKeepsWhatIsNotItsContent) {
+    static Ring ring(4, blockSize);
+
     struct LookingSemaphore : CountingSemaphore {
-        explicit LookingSemaphore(Ring& watched) : CountingSemaphore(nullptr, 0), ring(watched) {}
+        using CountingSemaphore::CountingSemaphore;
 
         void Signal() override { sawBuffer = ring.TestRead(); }
 
-        Ring& ring;
         bool sawBuffer = false;
-    };
+    } written(nullptr, 0);
 
-    Ring ring(4, blockSize);
     CountingSemaphore ended(nullptr, 0);
-    LookingSemaphore written(ring);
     ring.SetEndWriteNotifyRequired(&written);
     ring.SetEndReadNotifyRequired(&ended);
     for (int const count : {3, 5, 2}) {
         ring.SetProperties(count, 2 * blockSize);
         EXPECT_TRUE(ring.BufferCount() == count && ring.FixedBufferSize() == 2 * blockSize);
-        unsigned char* const first = ring.InternalBuffers()[0];
         written.sawBuffer = false;
         ring.PartialEndWrite(9);
         EXPECT_TRUE(written.sawBuffer) << "the buffer is there before the signal";
         ring.EndRead();
         EXPECT_TRUE(ring.TestRead()) << "the notification of the reader is still set";
         ring.ClearFlags();
-        EXPECT_TRUE(!ring.TestRead() && SizeNext(ring) == 0 && ring.ForPeekRead() == first);
+        EXPECT_TRUE(!ring.TestRead() && SizeNext(ring) == 0 &&
+                    ring.ForPeekRead() == ring.InternalBuffers()[0]);
     }
 }
 
@@ -151,10 +142,7 @@ TEST(RotatingFixedBuffers, PassesWholeBlocksInOrderBetweenTwoThreads) {
                 else if (way == 5)
                     ring.PartialWriteSwap(&spare, &size);
                 FillBlock(ring.ForOverWrite(), i);
-                if (way == 1 || way == 3)
-                    ring.PartialEndWrite(size);
-                else
-                    ring.EndWrite();
+                way == 1 || way == 3 ? ring.PartialEndWrite(size) : ring.EndWrite();
             }
             FreeBlock(spare);
         });
@@ -163,15 +151,13 @@ TEST(RotatingFixedBuffers, PassesWholeBlocksInOrderBetweenTwoThreads) {
         for (Number i = 0; i < count; ++i) {
             std::size_t size = torn;
             WaitUntil([&] { return ring.BeginPartialRead(size) != nullptr; });
-            faults += size == sizeOf(i) ? 0 : 1;
+            faults += size != sizeOf(i);
             auto const way = wayOf(i + 1);
             if (way == 0)
                 ring.ReadSwap(&spare);
             else if (way == 1)
                 ring.PartialReadSwap(&spare, &(size = 77));
-            faults += NumberOf(way < 2 ? spare : ring.ForPeekRead()) == i && (way != 1 || size == sizeOf(i))
-                          ? 0
-                          : 1;
+            faults += NumberOf(way < 2 ? spare : ring.ForPeekRead()) != i || (way == 1 && size != sizeOf(i));
             ring.EndRead();
         }
         FreeBlock(spare);

@@ -2,7 +2,6 @@
 // wake each other.
 #include <ostream>
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "qmt/chain/chain_links.h"
@@ -69,11 +68,9 @@ TEST_F(RunningPath, CountersSeeWhatTheThreadsOfAChainDo) {
 
 TEST_F(RunningPath, OfPushedCoupledAndPulledLinksIsFree) {
     Writer writer(4);
-    PushLink first(3);
-    PushLink coupled(3);
+    PushLink first(3), coupled(3);
     Crossover crossover(3);
-    PullLink pull(3);
-    PullLink last(3);
+    PullLink pull(3), last(3);
     Reader reader;
     writer.LinkToFollowing(&first);
     first.LinkToFollowing(&coupled);
@@ -88,8 +85,7 @@ TEST_F(RunningPath, OfPushedCoupledAndPulledLinksIsFree) {
 
 TEST_F(RunningPath, OfParallelLinksIsFree) {
     auto const countsOf = [](Writer& writer, auto& stage) {
-        Reader reader;
-        reader.SetPreceedingLink(&stage);
+        Reader reader(&stage);
         stage.onBeforeEndWrite = &CountThisThread;
         for (auto& party : stage.parties)
             party.onProcess = &CountThisThread;
@@ -99,12 +95,11 @@ TEST_F(RunningPath, OfParallelLinksIsFree) {
     };
     Writer writers[] = {Writer(4), Writer(4), Writer(4)};
     PullStage pulled(writers[0], 3, 3);
-    PushStage pushed(writers[1], 3, 3);
-    PushStage coupled(writers[2], 3, 3);
+    PushStage pushed(writers[1], 3, 3), coupled(writers[2], 3, 3);
     coupled.CoupleToPredecessor();
-    EXPECT_EQ(countsOf(writers[0], pulled), PathCounts());
-    EXPECT_EQ(countsOf(writers[1], pushed), PathCounts());
-    EXPECT_EQ(countsOf(writers[2], coupled), PathCounts());
+    for (PathCounts const& counts :
+         {countsOf(writers[0], pulled), countsOf(writers[1], pushed), countsOf(writers[2], coupled)})
+        EXPECT_EQ(counts, PathCounts());
 }
 
 } // namespace

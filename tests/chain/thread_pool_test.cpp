@@ -1,17 +1,10 @@
 #include "qmt/chain/thread_pool.h"
 
-#include <array>
-#include <atomic>
 #include <new>
-#include <optional>
-#include <thread>
-
-#include <gtest/gtest.h>
 
 #include "qmt/general/threads.h"
 #include "support/chain_fixtures.h"
 #include "support/failing_allocations.h"
-#include "support/text.h"
 
 namespace QMT {
 namespace {
@@ -31,20 +24,17 @@ struct Job {
         self->thread = std::this_thread::get_id();
         self->stop = stopEvent;
         SVArray<Event*, Event*> events;
-        events.Add(stopEvent);
-        events.Add(&self->mayEnd);
+        for (Event* const event : {stopEvent, &self->mayEnd})
+            events.Add(event);
         self->wasStopped = WaitOnEvents(events, -1) == 0;
         if (self->wasStopped && self->lingersAfterStop)
             self->linger.Stay();
         ++self->runs;
     }
 
-    Event done{true};
-    Event mayEnd{true};
+    Event done{true}, mayEnd{true};
     Hold linger;
-    bool lingersAfterStop = false;
-    bool foundStopped = false;
-    bool wasStopped = false;
+    bool lingersAfterStop = false, foundStopped = false, wasStopped = false;
     int runs = 0;
     std::atomic<Event*> stop{nullptr};
     std::thread::id thread;
@@ -78,8 +68,7 @@ protected:
     }
 
     // The threads that the pool has started, and all that have not ended.
-    static inline std::atomic<int> born{0};
-    static inline std::atomic<int> alive{0};
+    static inline std::atomic<int> born{0}, alive{0};
 
     std::optional<ThreadPool> pool;
     std::array<Job, 3> jobs;
@@ -123,15 +112,13 @@ TEST_F(ThreadPoolTest, StopEventEndsTheTaskAndNeitherTheThreadNorTheNextTask) {
     EXPECT_EQ(pool->RunTask(u"no done event", &Job::Run, &jobs[0], nullptr), nullptr);
     jobs[0].mayEnd.Signal();
     pool.reset();
-    EXPECT_EQ(jobs[0].runs, 2);
-    EXPECT_EQ(born, 1);
+    EXPECT_TRUE(jobs[0].runs == 2 && born == 1);
 }
 
 TEST_F(ThreadPoolTest, ExitStopsTheTasksAndRefusesMore) {
     static Hold starting;
     jobs[0].lingersAfterStop = true;
-    EXPECT_EQ(Start(jobs[0]), nullptr);
-    EXPECT_EQ(Start(jobs[1]), nullptr);
+    EXPECT_TRUE(Start(jobs[0]) == nullptr && Start(jobs[1]) == nullptr);
     jobs[1].Finish(); // its thread is idle now
     pool->AdjustMaxPoolSize(2);
     jobs[1].mayEnd.Reset();
@@ -158,8 +145,7 @@ TEST_F(ThreadPoolTest, ExitStopsTheTasksAndRefusesMore) {
 
 TEST_F(ThreadPoolTest, DestructorStopsTheTasksAndWaitsForThem) {
     jobs[0].lingersAfterStop = true;
-    EXPECT_EQ(Start(jobs[0]), nullptr);
-    EXPECT_EQ(Start(jobs[1]), nullptr);
+    EXPECT_TRUE(Start(jobs[0]) == nullptr && Start(jobs[1]) == nullptr);
     std::jthread const releaser([&] {
         jobs[0].linger.WaitUntilReached();
         LetOthersRun();

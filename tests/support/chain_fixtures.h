@@ -2,22 +2,15 @@
 // them on and check their order, and ways to hold a thread at the place where a race is wanted.
 #pragma once
 
-#include <algorithm>
 #include <atomic>
-#include <cstdint>
 #include <cstring>
 #include <deque>
-#include <functional>
-#include <memory>
-#include <optional>
-#include <thread>
 #include <type_traits>
-
-#include <gtest/gtest.h>
 
 #include "qmt/chain/chain_links.h"
 #include "qmt/chain/thread_pool.h"
 #include "support/sync_action.h"
+#include "support/text.h"
 
 namespace QMT {
 
@@ -107,9 +100,7 @@ struct Spy : ChainLink {
     void Process() override {}
 
     std::function<void()> onCall = [] {};
-    std::atomic<int> pushes{0};
-    std::atomic<int> pulls{0};
-    std::atomic<int> stops{0};
+    std::atomic<int> pushes{0}, pulls{0}, stops{0};
 };
 
 struct Writer : ExternalPushLink {
@@ -120,26 +111,23 @@ struct Writer : ExternalPushLink {
     // Writes the next numbered block. When there is none below `end`, or no room, it pushes all the same: a
     // count may have found the next ring full.
     void WriteNext(Number end = torn) {
-        unsigned char** const slot = next < end ? BeginWrite() : nullptr;
-        if (slot != nullptr) {
-            FillBlock(*slot, next++);
-            EndWrite();
-        } else if (following != nullptr) {
+        if (unsigned char** const slot = next < end ? BeginWrite() : nullptr)
+            FillBlock(*slot, next++), EndWrite();
+        else if (following != nullptr)
             following->PushProcess();
-        }
     }
 
     Number next = 0;
 };
 
 struct Reader : ExternalPullLink {
+    explicit Reader(ChainLink* input = nullptr) { SetPreceedingLink(input); }
+
     void Process() override {}
 
     void ReadNext() {
-        if (unsigned char** const slot = BeginRead()) {
-            order.Take(NumberOf(*slot));
-            EndRead();
-        }
+        if (unsigned char** const slot = BeginRead())
+            order.Take(NumberOf(*slot)), EndRead();
     }
 
     InOrder order;
@@ -187,13 +175,8 @@ struct Relay : Base {
             isReading = true;
             order.Take(NumberOf(*from));
             std::memcpy(*to, *from, blockSize);
-            bool const writesFirst = order.next % 2 == 0;
-            if (writesFirst)
-                this->GetBuffers().EndWrite();
-            isReading = false;
-            input->GetBuffers().EndRead();
-            if (!writesFirst)
-                this->GetBuffers().EndWrite();
+            for (bool const writes : {order.next % 2 == 0, order.next % 2 != 0}) // each order is allowed
+                writes ? this->GetBuffers().EndWrite() : (isReading = false, input->GetBuffers().EndRead());
         }
         inside = false;
         ++calls;
@@ -201,9 +184,7 @@ struct Relay : Base {
 
     std::function<void()> onProcess = [] {};
     std::atomic<int> calls{0}; // that have ended
-    std::atomic<bool> ranOnFreshThread{false};
-    std::atomic<bool> inside{false};
-    std::atomic<bool> isReading{false};
+    std::atomic<bool> ranOnFreshThread{false}, inside{false}, isReading{false};
     InOrder order;
 };
 
@@ -232,8 +213,8 @@ struct Stage : ArrayBase {
         order.Take(NumberOf(input));
         for (Party& party : parties) {
             unsigned char** const slot = party.GetBuffers().BeginRead();
-            order.faults += party.isReading ? 1 : 0;
-            order.faults += slot != nullptr && std::memcmp(*slot, input, blockSize) == 0 ? 0 : 1;
+            bool const isSame = slot != nullptr && std::memcmp(*slot, input, blockSize) == 0;
+            order.faults += isSame && !party.isReading ? 0 : 1;
             party.GetBuffers().EndRead();
         }
         std::memcpy(*this->GetBuffers().BeginWrite(), input, blockSize);
@@ -248,14 +229,13 @@ struct Stage : ArrayBase {
     }
 
     bool AllSaw(Number count) const {
-        auto const sawAll = [&](auto const& link) { return link.order.IsAll(count); };
-        return sawAll(*this) && std::ranges::all_of(parties, sawAll);
+        return order.IsAll(count) &&
+               std::ranges::all_of(parties, [&](auto const& party) { return party.order.IsAll(count); });
     }
 
     std::deque<Party> parties;
     std::function<void()> onBeforeEndWrite = [] {};
-    std::atomic<int> calls{0}; // that have begun
-    std::atomic<int> cycles{0};
+    std::atomic<int> calls{0}, cycles{0}; // calls that have begun
     std::atomic<bool> ranOnFreshThread{false};
     InOrder order;
 };

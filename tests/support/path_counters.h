@@ -6,9 +6,8 @@ namespace QMT {
 struct PathCounts {
     bool operator==(PathCounts const&) const = default;
 
-    long allocations = 0;
-    long locks = 0;
-    long systemCalls = 0; // but for those by which threads sleep, wake, yield and read the clock
+    // But for the system calls by which threads sleep, wake, yield and read the clock.
+    long allocations = 0, locks = 0, systemCalls = 0;
 };
 
 #if defined(QMT_COUNTS_PATHS)

@@ -20,9 +20,7 @@ namespace QMT {
 namespace {
 
 std::atomic<bool> windowIsOpen{false};
-std::atomic<long> allocations{0};
-std::atomic<long> locks{0};
-std::atomic<long> systemCalls{0};
+std::atomic<long> allocations{0}, locks{0}, systemCalls{0};
 
 thread_local char selector = SYSCALL_DISPATCH_FILTER_ALLOW;
 
