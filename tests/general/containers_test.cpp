@@ -1,14 +1,8 @@
 #include "qmt/general/containers.h"
 
-#include <algorithm>
-#include <gtest/gtest.h>
 #include <latch>
 #include <stdexcept>
-#include <thread>
-#include <utility>
-#include <vector>
 
-#include "support/seed.h"
 #include "support/text.h"
 
 namespace QMT {
@@ -45,23 +39,18 @@ void CompareWithVectors(std::mt19937& random) {
         auto const place = model.begin() + static_cast<std::ptrdiff_t>(index);
         auto const action = random() % 100;
         if (action < 50 || index == model.size()) {
-            array.Insert(index, step);
-            model.insert(place, step);
+            array.Insert(index, step), model.insert(place, step);
         } else if (action < 60) {
-            array.Insert(index, std::as_const(array)[model.size() - 1]);
-            model.insert(place, model.back());
+            array.Insert(index, std::as_const(array)[model.size() - 1]), model.insert(place, model.back());
         } else if (action < 70) {
             array[index] = model[index] = step;
         } else if (action < 90) {
-            array.Remove(index);
-            model.erase(place);
+            array.Remove(index), model.erase(place);
         } else if (action < 99) {
             array.SetCapacityIncrease(random() % 20);
-            handles[1] = handles[0];
-            models[1] = models[0];
+            handles[1] = handles[0], models[1] = models[0];
         } else {
-            array.RemoveAll();
-            model.clear();
+            array.RemoveAll(), model.clear();
         }
         for (std::size_t handle = 0; handle < 2; ++handle) {
             ASSERT_EQ(handles[handle].Size(), models[handle].size()) << "step " << step;
@@ -104,8 +93,7 @@ TEST(Containers, DetachAlsoInsideOfEachOtherOnSeveralThreadsAtOnce) {
             own.Add(std::as_const(own)[0]);
             own[0].Insert(0, std::as_const(own)[0][0]);
             own[0][0] << text;
-            BlockOnCritSection();
-            BlockOnCritSection();
+            BlockOnCritSection(), BlockOnCritSection();
             own[1][0] = text;
             UnblockOnCritSection();
             ++underSection;

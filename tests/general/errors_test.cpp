@@ -1,9 +1,5 @@
 #include "qmt/general/errors.h"
 
-#include <cerrno>
-#include <gtest/gtest.h>
-
-#include "general/system_error_text.h"
 #include "support/text.h"
 
 namespace QMT {
@@ -14,14 +10,6 @@ TEST(Errors, JoinMessageAndDetailStraight) {
     EXPECT_EQ(TakeError(MakeError(u"Disc full")), u"Disc full");
     EXPECT_EQ(TakeError(MakeError(u"Couldn't open x:", u" Error code = 5")),
               u"Couldn't open x: Error code = 5");
-}
-
-TEST(Errors, SystemTextHasCodeAndText) {
-    EXPECT_EQ(SystemErrorText(2).Left(24), u" Error code = 00000002. ");
-    EXPECT_GT(SystemErrorText(2).Len(), 24u);
-    EXPECT_EQ(SystemErrorText(0xABCDEF01), u" Error code = ABCDEF01. ");
-    errno = ENOENT;
-    EXPECT_EQ(LastSystemErrorText(), SystemErrorText(ENOENT));
 }
 
 TEST(Errors, DebugOutputGetsWholeLines) {

@@ -1,11 +1,8 @@
 #include "qmt/general/files.h"
 
 #include <fstream>
-#include <gtest/gtest.h>
-#include <utility>
 
 #include "support/memory_medium.h"
-#include "support/seed.h"
 #include "support/temp_directory.h"
 #include "support/text.h"
 
@@ -18,16 +15,13 @@ using Bom = BaseFile::BOM;
 // The lines of the file, with a bar behind each, and the errors on the way.
 String ReadLines(String const& path, FileMedium* medium) {
     LineParsableFile file(path, medium);
-    if (ErrorInfo* const error = file.Open()) {
-        return TakeError(error);
-    }
-    String lines, line;
+    String lines = TakeError(file.Open()), line;
+    if (!lines.IsEmpty())
+        return lines;
     ErrorInfo* error = nullptr;
-    while (file.NextLine(line, error, 0)) {
+    while (file.NextLine(line, error, 0))
         lines << line << u'|';
-    }
-    lines << line << TakeError(error);
-    return lines << TakeError(file.Close());
+    return lines << line << TakeError(error) << TakeError(file.Close());
 }
 
 // Writes the text in one flush, and gives the errors on the way.
@@ -36,8 +30,7 @@ String Write(String const& path, FileMedium* medium, bool append, String const& 
     FormatableTextFile file(path, medium);
     String errors = TakeError(file.Open(append));
     file << text;
-    errors << TakeError(file.FlushFile(true, mark));
-    return errors << TakeError(file.Close());
+    return errors << TakeError(file.FlushFile(true, mark)) << TakeError(file.Close());
 }
 
 TEST(LineParsableFile, DecodesAndCutsLinesHoweverTheBytesArrive) {
@@ -54,14 +47,13 @@ TEST(LineParsableFile, DecodesAndCutsLinesHoweverTheBytesArrive) {
         {"\xFE\xFF\0\x61\0\r\0\n\x20\xAC\0"s, u"a|\u20AC\uFFFD|"},
         {"\xFF\xFE", u""},
         {"\xFF", u"\uFFFD|"}};
-    for (auto const& [bytes, lines] : cases) {
+    for (auto const& [bytes, lines] : cases)
         for (std::size_t const longestRead : {1u, 2u, 3u, 5u, 1000u}) {
             MemoryMedium medium;
             medium.files[u"f"] = bytes;
             medium.longestRead = longestRead;
             EXPECT_EQ(ReadLines(u"f", &medium), lines) << longestRead;
         }
-    }
 }
 
 TEST(LineParsableFile, TellsOfBreaksAndFailures) {
@@ -106,12 +98,10 @@ TEST(Files, AnyTextReadsBackUnchanged) {
             String const line = RandomLine(random);
             lines << line << u'|';
             text << line << (random() % 2 ? u"\r\n" : u"\n");
-            if (random() % 500 == 0 || count == 1) {
+            if (random() % 500 == 0 || count == 1)
                 errors << Write(path, nullptr, true, std::exchange(text, {}));
-            }
         }
-        ASSERT_EQ(errors, u"");
-        ASSERT_TRUE(ReadLines(path, nullptr) == lines) << round;
+        ASSERT_TRUE(errors.IsEmpty() && ReadLines(path, nullptr) == lines) << round;
     }
 }
 
@@ -129,25 +119,20 @@ TEST(FormatableTextFile, WritesOverTheOldTextAndThenCuts) {
     EXPECT_EQ(medium.done, (std::vector<std::string>{"write 0 5", "cut 5", "write 5 5", "cut 10"}));
     EXPECT_EQ(TakeError(file.Open(false)), u"");
     file << u"never flushed";
-    EXPECT_EQ(TakeError(file.Close()), u"");
-    EXPECT_EQ(medium.files[u"f"], "");
+    EXPECT_EQ(TakeError(file.Close()) << DecodeFromUTF8(medium.files[u"f"].c_str(), false), u"");
     medium.files[u"f"] = "old";
     EXPECT_EQ(TakeError(FormatableTextFile(u"f", &medium).Open(false)), u""); // its destructor closes
     EXPECT_EQ(medium.files[u"f"], "");
 }
 
 TEST(FormatableTextFile, PutsMarksAtTheHeadOnly) {
-    struct {
-        std::string before, after;
-        bool append;
-        Bom mark;
-        CodeUnit const* text;
-    } const cases[] = {{"old", "x", false, Bom::NoMark, u"x"},
-                       {"old", "\xEF\xBB\xBFx", false, Bom::Utf8Mark, u"x"},
-                       {"old", "\xEF\xBB\xBF\xEF\xBB\xBFx", false, Bom::NoMark, u"\uFEFFx"},
-                       {"old", "oldx", true, Bom::Utf8Mark, u"x"},
-                       {"old", "old\xEF\xBB\xBFx", true, Bom::NoMark, u"\uFEFFx"},
-                       {"", "\xEF\xBB\xBFx", true, Bom::Utf8Mark, u"x"}};
+    std::tuple<char const*, char const*, bool, Bom, CodeUnit const*> const cases[] = {
+        {"old", "x", false, Bom::NoMark, u"x"},
+        {"old", "\xEF\xBB\xBFx", false, Bom::Utf8Mark, u"x"},
+        {"old", "\xEF\xBB\xBF\xEF\xBB\xBFx", false, Bom::NoMark, u"\uFEFFx"},
+        {"old", "oldx", true, Bom::Utf8Mark, u"x"},
+        {"old", "old\xEF\xBB\xBFx", true, Bom::NoMark, u"\uFEFFx"},
+        {"", "\xEF\xBB\xBFx", true, Bom::Utf8Mark, u"x"}};
 
     for (auto const& [before, after, append, mark, text] : cases) {
         MemoryMedium medium;
@@ -178,8 +163,7 @@ TEST(FormatableTextFile, KeepsTheTextWhenAFlushFails) {
     medium.failing = "open";
     EXPECT_EQ(TakeError(file.Open(true)), u"Can't open f");
     medium.failing = "cut";
-    EXPECT_EQ(TakeError(file.Open(false)), u"");
-    EXPECT_EQ(TakeError(file.Close()), u"Disc trouble");
+    EXPECT_EQ(TakeError(file.Open(false)) << TakeError(file.Close()), u"Disc trouble");
 }
 
 TEST(DiscFiles, AddReplaceAndVanish) {
@@ -202,22 +186,19 @@ TEST(DiscFiles, AddReplaceAndVanish) {
 }
 
 TEST(DiscFiles, FullDiscIsReported) {
-    if (!std::filesystem::exists("/dev/full")) {
+    if (!std::filesystem::exists("/dev/full"))
         GTEST_SKIP() << "no device that is always full";
-    }
-    for (bool const append : {false, true}) {
+    for (bool const append : {false, true})
         EXPECT_EQ(Write(u"/dev/full", nullptr, append, u"text"),
                   u"Couldn't write file /dev/full: Error code = 0000001C. No space left on device");
-    }
 }
 
 // The names that the directory lists, each with a bar behind it and a star in front of a directory's.
 String List(TempDirectory const& place, Directory::ListingType kind, CodeUnit const* mask) {
     std::vector<Directory::Entry> entries;
     String names = TakeError(DiscDirectory(place.Path(), kind, mask).GetEntries(entries));
-    for (auto const& entry : entries) {
+    for (auto const& entry : entries)
         names << (entry.isDirectory ? u"*" : u"") << entry.name << u'|';
-    }
     return names;
 }
 
@@ -227,9 +208,8 @@ TEST(DiscDirectory, IsMadeAndListsByKindAndMask) {
     EXPECT_GE(TakeError(sub.DoesNotExist()).Find(place.Path(u"sub.d")), 0);
     String const made = TakeError(sub.EnsureExists());
     EXPECT_EQ(made + TakeError(sub.EnsureExists()) + TakeError(sub.DoesNotExist()), u"");
-    for (CodeUnit const* name : {u"b.cfg", u"a.cfg", u"plain", u".cfg"}) {
+    for (CodeUnit const* name : {u"b.cfg", u"a.cfg", u"plain", u".cfg"})
         EXPECT_EQ(Write(place.Path(name), nullptr, false, u""), u"");
-    }
     DiscDirectory file(place.Path(u"plain"), {}, u"*.*");
     EXPECT_FALSE(TakeError(file.EnsureExists()).IsEmpty() || TakeError(file.DoesNotExist()).IsEmpty());
     using Kind = Directory::ListingType;
@@ -246,47 +226,43 @@ TEST(DiscDirectory, IsMadeAndListsByKindAndMask) {
 
 TEST(DiscDirectory, TakesNamesOfAnyKind) {
     TempDirectory place;
-    for (CodeUnit const* name : {u"\xD800x", u"y\xDC80", u"\u20AC\U0001F600"}) {
+    for (CodeUnit const* name : {u"\xD800x", u"y\xDC80", u"\u20AC\U0001F600"})
         EXPECT_EQ(Write(place.Path(name), nullptr, false, u"1"), u"");
-    }
     std::ofstream(place.Place() / "\xFF\xE2\x82z") << "1";
     std::vector<Directory::Entry> entries;
     EXPECT_EQ(TakeError(DiscDirectory(place.Path(), {}, u"*").GetEntries(entries)), u"");
     EXPECT_EQ(entries.size(), 4u);
-    for (auto const& entry : entries) {
+    for (auto const& entry : entries)
         EXPECT_EQ(ReadLines(place.Path(entry.name), nullptr), u"1|");
-    }
 }
 
-// The elements by the flags, which are letters: n for lines, b and s for the path separators, f for fields.
-String Elements(String const& flags, String const& text) {
-    ParsableText parsable(text);
-    parsable.splitOnLineEnds = flags.Find(u"n") >= 0;
-    parsable.splitOnBackslash = flags.Find(u"b") >= 0;
-    parsable.splitOnSlash = flags.Find(u"s") >= 0;
-    parsable.splitOnFields = flags.Find(u"f") >= 0;
-    String elements, element(u"kept");
-    int count = parsable.CountElements();
-    for (; parsable.GetNextElem(&element, 0); elements << element << u'|') {
-        EXPECT_EQ(parsable.CountElements(), --count);
-    }
-    EXPECT_TRUE(count == 0 && !parsable.GetNextElem(&element, 0) &&
-                (!elements.IsEmpty() || element == u"kept"));
-    return elements;
-}
-
+// What stands in front of the text are flags: n for lines, b and s for the path separators, f for fields.
 TEST(ParsableText, SplitsByItsFlags) {
-    EXPECT_EQ(Elements(u"", u" \tone two\r\n\nthree "), u"one|two|three|");
-    EXPECT_EQ(Elements(u"n", u"  a b\r\n\r\nc\rd\n\ne"), u"  a b||c|d||e|");
-    EXPECT_EQ(Elements(u"n", u"\n\r"), u"||");
-    EXPECT_EQ(Elements(u"b", u"\\a\\b c/d\\"), u"a|b c/d|");
-    EXPECT_EQ(Elements(u"b", u"\\\\host\\\\x"), u"|host||x|");
-    EXPECT_EQ(Elements(u"s", u"/a/b\\c"), u"a|b\\c|");
-    EXPECT_EQ(Elements(u"bs", u"c:\\a/b\\/c"), u"c:|a|b||c|");
-    EXPECT_EQ(Elements(u"f", u"\tHello there\t\tGuten Tag \t"), u"Hello there|Guten Tag |");
-    EXPECT_EQ(Elements(u"nf", u"a\t\tb\n"), u"a||b|");
-    EXPECT_EQ(Elements(u"", u" \n") + Elements(u"b", u"\\") + Elements(u"n", u"") + Elements(u"f", u"\t"),
-              u"");
+    CodeUnit const* const cases[][3] = {{u"", u" \tone two\r\n\nthree ", u"one|two|three|"},
+                                        {u"n", u"  a b\r\n\r\nc\rd\n\ne", u"  a b||c|d||e|"},
+                                        {u"n", u"\n\r", u"||"},
+                                        {u"b", u"\\a\\b c/d\\", u"a|b c/d|"},
+                                        {u"b", u"\\\\host\\\\x", u"|host||x|"},
+                                        {u"s", u"/a/b\\c", u"a|b\\c|"},
+                                        {u"bs", u"c:\\a/b\\/c", u"c:|a|b||c|"},
+                                        {u"f", u"\tHello there\t\tGuten Tag \t", u"Hello there|Guten Tag |"},
+                                        {u"nf", u"a\t\tb\n", u"a||b|"},
+                                        {u"", u" \n", u""},
+                                        {u"b", u"\\", u""},
+                                        {u"n", u"", u""},
+                                        {u"f", u"\t", u""}};
+    for (auto const& [flags, text, expected] : cases) {
+        ParsableText parsable(text);
+        auto const has = [&](CodeUnit const* flag) { return String(flags).Find(flag) >= 0; };
+        parsable.splitOnLineEnds = has(u"n"), parsable.splitOnFields = has(u"f");
+        parsable.splitOnBackslash = has(u"b"), parsable.splitOnSlash = has(u"s");
+        String elements, element(u"kept");
+        int count = parsable.CountElements();
+        for (; parsable.GetNextElem(&element, 0); elements << element << u'|')
+            EXPECT_EQ(parsable.CountElements(), --count);
+        EXPECT_EQ(elements, expected);
+        EXPECT_TRUE(count == 0 && !parsable.GetNextElem(&element, 0) && (*expected || element == u"kept"));
+    }
 }
 
 } // namespace

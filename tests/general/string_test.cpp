@@ -1,15 +1,10 @@
 #include "qmt/general/string.h"
 
 #include <cmath>
-#include <cstdint>
 #include <cstring>
-#include <gtest/gtest.h>
-#include <limits>
-#include <optional>
 
 #include "qmt/general/errors.h"
 #include "qmt/general/numbers.h"
-#include "support/seed.h"
 #include "support/text.h"
 
 namespace QMT {
@@ -130,13 +125,11 @@ std::optional<Number> Read(String const& text) {
 }
 
 TEST(String, ReadsNumbers) {
-    for (CodeUnit const* text : {u"08", u" +8\r\n", u"8", u"\t0000000000000000000000008"}) {
+    for (CodeUnit const* text : {u"08", u" +8\r\n", u"8", u"\t0000000000000000000000008"})
         EXPECT_TRUE(Read<unsigned int>(text) == 8u && Read<long int>(text) == 8 && Read<double>(text) == 8);
-    }
     for (CodeUnit const* text : {u"", u" ", u"-", u"+-8", u"- 8", u"8 8", u"0x8", u"8a", u"inf", u"-nan",
-                                 u"\uFF18", u"8\u0661", u"1e", u"1,5", u"."}) {
+                                 u"\uFF18", u"8\u0661", u"1e", u"1,5", u"."})
         EXPECT_FALSE(Read<unsigned int>(text) || Read<long int>(text) || Read<double>(text));
-    }
     EXPECT_FALSE(Read<long int>(u"1.5") || Read<int>(u"1e3") || Read<unsigned int>(u"-1"));
     EXPECT_TRUE(Read<long int>(u"2147483647") == 2147483647 && Read<int>(u"-2147483648") == -2147483647 - 1);
     EXPECT_FALSE(Read<long int>(u"2147483648") || Read<int>(u"-2147483649") || Read<unsigned>(u"4294967296"));
@@ -155,9 +148,8 @@ TEST(String, DecodesAnyBytes) {
         {"\xED\xA0\x80|\xED\xBF\xBF|\xED\xA0", u"\xD800|\xDFFF|\uFFFD\uFFFD"},
         {"\x80z\xFFz\xE2\x82z\xC0\x80\xC3", u"\uFFFDz\uFFFDz\uFFFD\uFFFDz\uFFFD\uFFFD\uFFFD"},
         {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}};
-    for (auto const& [bytes, expected] : cases) {
+    for (auto const& [bytes, expected] : cases)
         EXPECT_EQ(DecodeFromUTF8(bytes, false), expected);
-    }
     EXPECT_EQ(Joined(DecodeFromUTF8("\xEF\xBB\xBFx", true), DecodeFromUTF8("\xEF\xBB\xBFx", false)),
               u"x|\uFEFFx|");
 }

@@ -1,8 +1,6 @@
 #include "qmt/general/threads.h"
 
 #include <fstream>
-#include <gtest/gtest.h>
-#include <string>
 
 #include "support/sync_action.h"
 #include "support/text.h"

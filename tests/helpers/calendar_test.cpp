@@ -1,8 +1,6 @@
 #include "qmt/helpers/calendar.h"
 
-#include <array>
 #include <climits>
-#include <gtest/gtest.h>
 
 #include "helpers/native_table.h"
 #include "support/text.h"
@@ -12,8 +10,7 @@ namespace QMT {
 namespace {
 
 TEST(CalendarTest, MonthsHaveNamesAndNamesHaveMonths) {
-    String shortNames;
-    String longNames;
+    String shortNames, longNames;
     for (int month = 0; month <= 13; ++month) {
         shortNames << EnglishMonth(month, true) << u" ";
         longNames << EnglishMonth(month, false) << u" ";
@@ -37,15 +34,11 @@ TEST(CalendarTest, OnlyTheShortNamesStayEnglish) {
 
 TEST(CalendarTest, RandomNumbersReachBothEndsAndNoFurther) {
     std::array<int, 3> hits{};
-    for (int i = 0; i < 1000; ++i) {
+    unsigned int seenBits = 0;
+    for (int i = 0; i < 1000; ++i, ++hits.at(random_number(2)), seenBits |= random_number(UINT_MAX))
         EXPECT_EQ(random_number(0), 0u);
-        ++hits.at(random_number(2));
-    }
     for (int const count : hits)
         EXPECT_NEAR(count, 333, 200); // thirteen standard deviations
-    unsigned int seenBits = 0;
-    for (int i = 0; i < 1000; ++i)
-        seenBits |= random_number(UINT_MAX);
     EXPECT_EQ(seenBits, UINT_MAX);
 }
 

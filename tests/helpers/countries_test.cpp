@@ -1,7 +1,5 @@
 #include "qmt/helpers/countries.h"
 
-#include <gtest/gtest.h>
-
 #include "helpers/native_table.h"
 #include "support/text.h"
 

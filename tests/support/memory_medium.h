@@ -20,9 +20,8 @@ public:
     std::vector<std::string> done; // "write 0 5" and the like, reads left out
 
     ErrorInfo* Open(String path, Access access, std::unique_ptr<File>& file) override {
-        if (failing == "open" || (access == Access::Read && !files.contains(path))) {
+        if (failing == "open" || (access == Access::Read && !files.contains(path)))
             return MakeError(u"Can't open " + path);
-        }
         file = std::make_unique<MemoryFile>(*this, files[path]);
         return nullptr;
     }
