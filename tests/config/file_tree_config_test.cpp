@@ -1,10 +1,5 @@
 #include "qmt/config/file_tree_config.h"
 
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
-
 #include "support/child_process.h"
 #include "support/file_content.h"
 #include "support/temp_directory.h"
@@ -16,10 +11,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using namespace std::string_literals;
-
-String Repeated(std::size_t count, CodeUnit unit) {
-    return String(std::basic_string<CodeUnit>(count, unit));
-}
 
 struct FileTreeConfigTest : testing::Test {
     void Write(char const* file, std::string const& bytes) const { std::ofstream(tree / file) << bytes; }
@@ -125,11 +116,9 @@ TEST_F(FileTreeConfigTest, ADirectoryWithoutRightsGivesDefaultsAndErrors) {
         bool const isRefused = Store(u"S", u"e", u"w").Find(u"e.cfg") != -1 &&
                                Store(u"T", u"e", u"w").Find(u"T:") != -1 &&
                                !TakeError(settings.DeleteEntry(u"S", u"e")).IsEmpty();
-        return hasNoRights && isRefused && read == u"vdd" && TakeError(settings.CheckExists(false)).IsEmpty()
-                   ? 0
-                   : 1;
+        return hasNoRights && isRefused && read == u"vdd" && TakeError(settings.CheckExists(false)).IsEmpty();
     });
-    EXPECT_EQ(reader.Wait(), 0);
+    EXPECT_TRUE(reader.Wait());
     EXPECT_EQ(ContentOf(tree / "S/e.cfg"), "v\n");
     for (fs::path const& path : {tree, tree / "S"})
         fs::permissions(path, fs::perms(0755));
@@ -145,7 +134,7 @@ TEST_F(FileTreeConfigTest, ListsAndDeletes) {
     EXPECT_EQ(TakeError(settings.EnumSections(names)), u"");
     for (char16_t const* const section : {u"s", u"none"})
         EXPECT_EQ(TakeError(settings.EnumEntries(section, names)), u"");
-    EXPECT_EQ(Joined(names.Size(), names[0], names[1], names[2], names[3]), u"4|T|s|A|x.cfg|");
+    EXPECT_EQ(Listed(names), u"T|s|A|x.cfg|");
     EXPECT_EQ(TakeError(settings.DeleteEntry(u"s", u"x.cfg")), u"");
     EXPECT_NE(TakeError(settings.DeleteEntry(u"s", u"x.cfg")).Find(u"x.cfg.cfg"), -1);
     EXPECT_NE(TakeError(settings.DeleteSection(u"s")).Find(u"notes.txt"), -1);

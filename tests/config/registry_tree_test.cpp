@@ -1,33 +1,14 @@
 #include "qmt/config/registry_tree.h"
 
-#include <cerrno>
-#include <filesystem>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "platform/registry_counting.h"
 #include "qmt/helpers/system.h"
 #include "support/registry_fixtures.h"
-#include "support/text.h"
 
 namespace QMT {
 namespace {
 
 using Names = VArray<String, String>;
 using Texts = std::vector<String>; // of errors that came one after the other
-
-String Listed(Names const& names) {
-    String all;
-    for (std::size_t i = 0; i < names.Size(); ++i)
-        all << names[i] << u"|";
-    return all;
-}
-
-String Repeated(std::size_t count, CodeUnit unit) {
-    return String(std::basic_string<CodeUnit>(count, unit));
-}
 
 // A registry that both does the work and counts the calls; the parameter says whether in memory.
 struct RegistryTreeTest : testing::TestWithParam<bool> {
@@ -39,19 +20,19 @@ struct RegistryTreeTest : testing::TestWithParam<bool> {
     CountingRegistry registry{*inner};
     RegistryInUse inUse{registry};
     RegistryCalls calls{*inner};
-    RealRegistryTree tree{HKEY_CURRENT_USER, u"R", u"A"};
+    RealRegistryTree tree{user, u"R", u"A"};
 };
 
 INSTANTIATE_TEST_SUITE_P(Implementations, RegistryTreeTest, testing::Bool());
 
 TEST_P(RegistryTreeTest, WalksOnceAndKeepsWhatIsOpen) {
     {
-        RealRegistryTree deep(HKEY_CURRENT_USER, u"R", u"A\\B\\C");
+        RealRegistryTree deep(user, u"R", u"A\\B\\C");
         EXPECT_EQ(TakeError(deep.CheckExists(false)), u"Couldn't open R\\A; " + GetSystemErrMsge(ENOENT));
-        ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"A\\B"), 0U);
+        ASSERT_EQ(calls.Create(user, u"A\\B"), 0U);
         EXPECT_EQ(TakeError(deep.CheckExists(true)),
                   u"Couldn't open R\\A; \\B\\C" + GetSystemErrMsge(ENOENT));
-        ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"A\\B\\C"), 0U);
+        ASSERT_EQ(calls.Create(user, u"A\\B\\C"), 0U);
         registry.Reset();
         EXPECT_EQ(TakeError(deep.CheckExists(true)), u"");
         EXPECT_EQ(registry.Calls(), 1); // it went on from the first key still closed
@@ -60,13 +41,13 @@ TEST_P(RegistryTreeTest, WalksOnceAndKeepsWhatIsOpen) {
         EXPECT_EQ(TakeError(deep.WriteProfileStr(u"e", u"v")), u"Couldn't open reg key: e: "); // reads only
     }
     EXPECT_EQ(registry.Calls(RegistryCall::CloseKey), 3);
-    RealRegistryTree made(HKEY_CURRENT_USER, u"R", u"A\\D\\E");
+    RealRegistryTree made(user, u"R", u"A\\D\\E");
     int left = 2;
     registry.Before(RegistryCall::CreateKey, [&left] { return left-- > 0 ? 0U : 13U; });
     EXPECT_EQ(TakeError(made.EnsureExists(false)), u"Couldn't open R\\A\\D\\E: ");
     registry.Before(RegistryCall::CreateKey, nullptr);
     EXPECT_EQ(TakeError(made.EnsureExists(false)), u"");
-    EXPECT_EQ(calls.Open(HKEY_CURRENT_USER, u"A\\D\\E"), 0U);
+    EXPECT_EQ(calls.Open(user, u"A\\D\\E"), 0U);
 }
 
 TEST_P(RegistryTreeTest, ReadsInOneQueryUpTo200Bytes) {
@@ -83,14 +64,14 @@ TEST_P(RegistryTreeTest, ReadsInOneQueryUpTo200Bytes) {
     registry.Before(RegistryCall::QueryValue, [&] {
         return ++query == 2 ? calls.Set(calls.key, u"e", std::string((1 << 20) + 4, 'x')) : 0;
     });
-    ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, u"A"), 0U);
+    ASSERT_EQ(calls.Open(user, u"A"), 0U);
     EXPECT_EQ(tree.GetData(u"e"), u"");
     EXPECT_EQ(query, 2);
 }
 
 TEST_P(RegistryTreeTest, TextEndsAtAZeroOrWhereTheDataEnds) {
     OpenTree();
-    ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, u"A"), 0U);
+    ASSERT_EQ(calls.Open(user, u"A"), 0U);
     using namespace std::string_literals;
     for (auto const& [bytes, text] : {std::pair<std::string, char16_t const*>{"a\0b\0"s, u"ab"},
                                       {"a\0b"s, u"a"},
@@ -102,21 +83,18 @@ TEST_P(RegistryTreeTest, TextEndsAtAZeroOrWhereTheDataEnds) {
     }
     EXPECT_EQ(TakeError(tree.WriteProfileDWORD(u"e", 0x00420041UL | (1UL << 31 << 1))), u"");
     EXPECT_EQ(tree.GetData(u"e"), u"AB");
-    EXPECT_EQ(calls.Query(calls.key, u"e"), "A\0B\0"s);
-    EXPECT_EQ(calls.type, REG_DWORD);
+    EXPECT_TRUE(calls.Query(calls.key, u"e") == "A\0B\0"s && calls.type == REG_DWORD);
     EXPECT_EQ(TakeError(tree.WriteProfileStr(u"e", u"A")), u"");
-    EXPECT_EQ(calls.Query(calls.key, u"e"), "A\0\0\0"s);
-    EXPECT_EQ(calls.type, REG_SZ);
+    EXPECT_TRUE(calls.Query(calls.key, u"e") == "A\0\0\0"s && calls.type == REG_SZ);
 }
 
 TEST_P(RegistryTreeTest, SectionsAndSeveralValues) {
-    Names values;
-    Names names;
+    Names values, names;
     EXPECT_EQ(TakeError(tree.ReadMultipleValues(u"S", names, values)), u"Couldn't open reg key: R\\A\\S");
     EXPECT_EQ(tree.GetStringNoDefault(u"S", u"e"), u"");
     OpenTree();
     EXPECT_EQ(tree.GetStringNoDefault(u"S", u"e"), u"");
-    ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, u"A\\S"), 0U); // reading has made it
+    ASSERT_EQ(calls.Open(user, u"A\\S"), 0U); // reading has made it
     ASSERT_EQ((Results{calls.Set(calls.key, u"odd", "x"), calls.Set(calls.key, u"e", {"v\0\0\0", 4})}),
               Results(2, 0));
     EXPECT_EQ(tree.GetStringNoDefault(u"S", u"e"), u"v");
@@ -143,17 +121,17 @@ TEST_P(RegistryTreeTest, ListsAndDeletes) {
     EXPECT_EQ(list(), Texts(2));
     names.Add(u"first");
     for (char16_t const* const name : {u"b", u"C\\d", u"a"}) {
-        ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, String(u"A\\") + name), 0U);
+        ASSERT_EQ(calls.Create(user, String(u"A\\") + name), 0U);
         ASSERT_EQ(TakeError(tree.WriteProfileStr(name, u"")), u"");
     }
     EXPECT_EQ(list(), Texts(2));
     EXPECT_EQ(Listed(names), u"first|a|b|C|a|b|C\\d|");
-    EXPECT_EQ(TakeError(tree.DeleteSubKey(u"C")), u"Couldn't delete key C: ");
-    EXPECT_EQ((Texts{TakeError(tree.DeleteSubKey(u"C\\d")), TakeError(tree.DeleteSubKey(u"C"))}), Texts(2));
-    EXPECT_EQ(TakeError(tree.DeleteValue(u"b")), u"");
-    EXPECT_EQ(TakeError(tree.DeleteValue(u"b")), u"Did not succeed");
+    EXPECT_EQ((Texts{TakeError(tree.DeleteSubKey(u"C")), TakeError(tree.DeleteSubKey(u"C\\d")),
+                     TakeError(tree.DeleteSubKey(u"C")), TakeError(tree.DeleteValue(u"b")),
+                     TakeError(tree.DeleteValue(u"b"))}),
+              (Texts{u"Couldn't delete key C: ", u"", u"", u"", u"Did not succeed"}));
     for (std::size_t const units : {499U, 500U}) {
-        ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"A\\" + Repeated(units, u'b')), 0U);
+        ASSERT_EQ(calls.Create(user, u"A\\" + Repeated(units, u'b')), 0U);
         names.RemoveAll();
         EXPECT_EQ(TakeError(tree.EnumSubKeys(names)), units < 500 ? u"" : u"No more items");
         EXPECT_EQ(names.Size(), 3U); // what stands in front of the long name is there
@@ -161,7 +139,7 @@ TEST_P(RegistryTreeTest, ListsAndDeletes) {
 }
 
 TEST_P(RegistryTreeTest, AnEmptyPathWorksOnTheRoot) {
-    RealRegistryTree root(HKEY_CURRENT_USER, u"R", u"");
+    RealRegistryTree root(user, u"R", u"");
     Names names;
     EXPECT_EQ(TakeError(root.CheckExists(false)) + TakeError(root.EnsureExists(false)) + root.GetData(u"e") +
                   TakeError(root.EnumValueNames(names)),
@@ -171,9 +149,9 @@ TEST_P(RegistryTreeTest, AnEmptyPathWorksOnTheRoot) {
     EXPECT_EQ(TakeError(root.EnumSubKeys(names)), u"");
     EXPECT_EQ(Listed(names), u"S|Software|");
     EXPECT_EQ(TakeError(root.DeleteSubKey(u"S")), u"");
-    EXPECT_EQ(TakeError(root.WriteProfileStr(u"e", u"v")), u"Couldn't open reg key: e: ");
-    EXPECT_EQ(TakeError(root.WriteProfileDWORD(u"e", 1)), u"Couldn't open reg key: e: ");
-    EXPECT_EQ(TakeError(root.DeleteValue(u"e")), u"Did not succeed");
+    EXPECT_EQ((Texts{TakeError(root.WriteProfileStr(u"e", u"v")), TakeError(root.WriteProfileDWORD(u"e", 1)),
+                     TakeError(root.DeleteValue(u"e"))}),
+              (Texts{u"Couldn't open reg key: e: ", u"Couldn't open reg key: e: ", u"Did not succeed"}));
 }
 
 TEST_P(RegistryTreeTest, ExportReplacesTheFile) {

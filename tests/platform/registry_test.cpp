@@ -1,14 +1,7 @@
 #include "qmt/platform/registry.h"
 
-#include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <map>
-#include <thread>
 
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -16,8 +9,6 @@
 #include "support/child_process.h"
 #include "support/file_content.h"
 #include "support/registry_fixtures.h"
-#include "support/seed.h"
-#include "support/text.h"
 
 namespace QMT {
 namespace {
@@ -40,7 +31,7 @@ INSTANTIATE_TEST_SUITE_P(Implementations, AnyRegistryTest, testing::Values("memo
                          [](auto const& suite) { return suite.param; });
 
 TEST_P(AnyRegistryTest, KeysAreFoundByPathAndCreatedOnDemand) {
-    for (void* root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+    for (void* root : {user, machine}) {
         ASSERT_EQ(calls.Open(root, u"Software"), 0U);
         void* const software = calls.key;
         EXPECT_EQ(calls.Open(software, u"A"), ENOENT);
@@ -64,10 +55,10 @@ TEST_P(AnyRegistryTest, KeysAreFoundByPathAndCreatedOnDemand) {
 }
 
 TEST_P(AnyRegistryTest, ValuesComeBackByteForByte) {
-    ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"Software\\V"), 0U);
+    ASSERT_EQ(calls.Create(user, u"Software\\V"), 0U);
     void* const key = calls.key;
     std::map<String, std::string> const values{{u"", "default"},
-                                               {String(std::basic_string<CodeUnit>(500, u'n')), "long"},
+                                               {Repeated(500, u'n'), "long"},
                                                {u"a\\b", ""},
                                                {u"line\r\n\x1", "\0\xFF\n"s},
                                                {u"\xDC80\xD800", "odd"},
@@ -85,17 +76,16 @@ TEST_P(AnyRegistryTest, ValuesComeBackByteForByte) {
 }
 
 TEST_P(AnyRegistryTest, AHandleOfADeletedKeyIsNoneOfANewOne) {
-    ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"D\\E"), 0U);
+    ASSERT_EQ(calls.Create(user, u"D\\E"), 0U);
     void* const deep = calls.key;
-    EXPECT_EQ((Results{calls.Delete(HKEY_CURRENT_USER, u"F"), calls.Delete(deep, u"\\"),
-                       calls.Delete(HKEY_CURRENT_USER, u"d\\e")}),
+    EXPECT_EQ((Results{calls.Delete(user, u"F"), calls.Delete(deep, u"\\"), calls.Delete(user, u"d\\e")}),
               (Results{ENOENT, EINVAL, 0}));
     for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(calls.Query(deep, u"x"), "error " + std::to_string(EIDRM));
         EXPECT_EQ(calls.Names(deep, true), String() << EIDRM);
         EXPECT_EQ((Results{calls.Set(deep, u"x", "1"), calls.Create(deep, u"F"), calls.Delete(deep, u"F")}),
                   Results(3, EIDRM));
-        EXPECT_EQ(calls.Create(HKEY_CURRENT_USER, u"D\\E"), 0U);
+        EXPECT_EQ(calls.Create(user, u"D\\E"), 0U);
     }
 }
 
@@ -103,12 +93,12 @@ TEST_P(AnyRegistryTest, AHandleOfADeletedKeyIsNoneOfANewOne) {
 TEST_P(AnyRegistryTest, DoesWhatASimpleModelDoes) {
     std::mt19937 random = SeededGenerator();
     std::map<String, std::map<String, std::string>> model{{u"\\a", {}}};
-    ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"a"), 0U);
+    ASSERT_EQ(calls.Create(user, u"a"), 0U);
     for (int step = 0; step < 600; ++step) {
         auto const any = std::next(model.begin(), static_cast<int>(random() % model.size()));
         String const path = any->first;
         String const name = String() << static_cast<int>(random() % 5);
-        ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, path), 0U);
+        ASSERT_EQ(calls.Open(user, path), 0U);
         void* const key = calls.key;
         String names;
         for (auto const& [valueName, bytes] : any->second) {
@@ -119,17 +109,16 @@ TEST_P(AnyRegistryTest, DoesWhatASimpleModelDoes) {
         bool const hasSubKeys =
             std::next(any) != model.end() && std::next(any)->first.Find(path + u"\\") == 0;
         ASSERT_EQ(calls.Names(key, true) != u"259", hasSubKeys);
-        std::uint32_t const choice = random() % 4;
+        auto const choice = random() % 4;
         if (choice == 0) {
-            std::uint32_t const disposition = model.contains(path + u"\\" + name) ? 2 : 1;
-            ASSERT_EQ((Results{calls.Create(key, name), calls.disposition}), (Results{0, disposition}));
-            model[path + u"\\" + name];
+            bool const isNew = model.try_emplace(path + u"\\" + name).second;
+            ASSERT_EQ((Results{calls.Create(key, name), calls.disposition}), (Results{0, isNew ? 1U : 2U}));
         } else if (choice == 1) {
             ASSERT_EQ(calls.Set(key, name, any->second[name] = std::to_string(step)), 0U);
         } else if (choice == 2) {
             ASSERT_EQ(calls.DeleteValue(key, name) == 0, any->second.erase(name) == 1);
         } else if (path != u"\\a") {
-            ASSERT_EQ(calls.Delete(HKEY_CURRENT_USER, path), hasSubKeys ? ENOTEMPTY : 0);
+            ASSERT_EQ(calls.Delete(user, path), hasSubKeys ? ENOTEMPTY : 0);
             std::erase_if(model, [&](auto const& entry) { return entry.first == path && !hasSubKeys; });
         }
     }
@@ -141,12 +130,12 @@ TEST_P(AnyRegistryTest, ThreadsShareIt) {
             RegistryCalls own{*inner};
             String const name = String() << static_cast<int>(&thread - &first);
             for (int round = 0; round < 50; ++round)
-                EXPECT_EQ((Results{own.Create(HKEY_CURRENT_USER, u"T"), own.Set(own.key, name, "1"),
+                EXPECT_EQ((Results{own.Create(user, u"T"), own.Set(own.key, name, "1"),
                                    own.DeleteValue(own.key, name), own.Set(own.key, name, "2"),
                                    own.registry.RegCloseKey(own.key)}),
                           Results(5, 0));
         });
-    ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, u"T"), 0U);
+    ASSERT_EQ(calls.Open(user, u"T"), 0U);
     EXPECT_EQ(calls.Names(calls.key, false), u"0|1|2|3|259");
 }
 
@@ -155,14 +144,14 @@ std::string Utf16(std::u16string const& text) {
 }
 
 TEST_P(AnyRegistryTest, SavesTextThatEditorsRead) {
-    ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"S]\\sub"), 0U);
-    ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, u"S]"), 0U);
+    ASSERT_EQ((Results{calls.Create(user, u"S]\\sub"), calls.Open(user, u"S]")}), Results(2, 0));
     void* const key = calls.key;
     for (auto const& [name, text] :
          {std::pair{u"", u"d"}, {u"a\"\\b\n", u"say \"\\\" \u20AC"}, {u"e", u"\xD800"}})
         ASSERT_EQ(calls.Set(key, name, Utf16(text + u"\0"s)), 0U);
-    ASSERT_EQ(calls.Set(key, u"f", "\x78\x56\x34\x12", REG_DWORD), 0U);
-    ASSERT_EQ(calls.Set(key, u"g", std::string(30, '\xAB'), 3), 0U);
+    ASSERT_EQ((Results{calls.Set(key, u"f", "\x78\x56\x34\x12", REG_DWORD),
+                       calls.Set(key, u"g", std::string(30, '\xAB'), 3)}),
+              Results(2, 0));
     String const file = directory.Path(u"saved.reg");
     EXPECT_EQ((Results{calls.Save(key, file), calls.Save(key, file), calls.Save(key, file + u"/x")}),
               (Results{0, EEXIST, ENOTDIR}));
@@ -177,38 +166,33 @@ TEST_P(AnyRegistryTest, SavesTextThatEditorsRead) {
               (Results{0, EILSEQ}));
 }
 
-// Any units but zero, those with a meaning in the file more often.
-std::u16string AnyText(std::mt19937& random, std::size_t longest) {
-    constexpr char16_t special[] = u"\"\\\r\n\t[]=@%;,\xD800\xDC00\xFEFF\u20AC";
-    std::u16string text(random() % (longest + 1), u'x');
-    for (char16_t& unit : text)
-        unit = random() % 2 ? special[random() % (std::size(special) - 1)]
-                            : static_cast<char16_t>(1 + random() % 0xFFFD);
-    return text;
-}
-
 // In the folder QMT_SAVED_REGISTRY for scripts/check_saved_registry.py, which has a tool of others read it.
 TEST(SavedRegistry, HoldsValuesOfManyKindsForOthersToRead) {
     TempDirectory const directory;
     char const* const given = std::getenv("QMT_SAVED_REGISTRY");
     std::mt19937 random = SeededGenerator();
+    // Any units but zero, those with a meaning in the file more often.
+    auto const anyText = [&](std::size_t longest) {
+        std::u16string text(random() % (longest + 1), u'x');
+        for (char16_t& unit : text)
+            unit = random() % 2 ? u"\"\\\r\n\t[]=@%;,\xD800\xDC00\xFEFF\u20AC"[random() % 16]
+                                : static_cast<char16_t>(1 + random() % 0xFFFD);
+        return text;
+    };
     auto const registry = MakeMemoryRegistry();
     RegistryCalls calls{*registry};
     for (int number = 0; number < 200; ++number) {
         String const key = String(u"Software\\QmtSaved\\key") << number % 7;
-        std::u16string const name =
-            number < 7 ? u"" : AnyText(random, 20) + static_cast<char16_t>(0x400 + number);
+        std::u16string const name = number < 7 ? u"" : anyText(20) + static_cast<char16_t>(0x400 + number);
         std::uint32_t const type = std::array<std::uint32_t, 4>{1, 3, 4, 7}[random() % 4];
-        std::u16string const text = type == REG_DWORD ? std::u16string(2, static_cast<char16_t>(random()))
-                                                      : AnyText(random, 90) + u"\0"s;
-        ASSERT_EQ((Results{calls.Create(HKEY_CURRENT_USER, key),
-                           calls.Set(calls.key, name.c_str(), Utf16(text), type)}),
+        std::u16string const text =
+            type == REG_DWORD ? std::u16string(2, static_cast<char16_t>(random())) : anyText(90) + u"\0"s;
+        ASSERT_EQ((Results{calls.Create(user, key), calls.Set(calls.key, name.c_str(), Utf16(text), type)}),
                   Results(2, 0));
     }
-    ASSERT_EQ(calls.Open(HKEY_CURRENT_USER, u"Software\\QmtSaved"), 0U);
-    EXPECT_EQ(calls.Save(calls.key,
-                         given ? DecodeFromUTF8(given, false) + u"/saved.reg" : directory.Path(u"saved.reg")),
-              0U);
+    String const folder = given ? DecodeFromUTF8(given, false) : directory.Path();
+    ASSERT_EQ(calls.Open(user, u"Software\\QmtSaved"), 0U);
+    EXPECT_EQ(calls.Save(calls.key, folder + u"/saved.reg"), 0U);
 }
 
 // ---- what the databases do besides
@@ -217,22 +201,21 @@ struct RegistryDatabaseTest : testing::Test {
     TempDirectory directory;
     std::unique_ptr<Registry> mine = RegistryIn(directory);
     std::unique_ptr<Registry> theirs = RegistryIn(directory); // as another process has it
-    RegistryCalls calls{*mine};
-    RegistryCalls others{*theirs};
+    RegistryCalls calls{*mine}, others{*theirs};
 };
 
 TEST_F(RegistryDatabaseTest, ReadingMakesNoDatabase) {
-    EXPECT_EQ(calls.Open(HKEY_CURRENT_USER, u"Software", KEY_READ), ENOENT);
-    EXPECT_EQ(calls.Names(HKEY_CURRENT_USER, true), u"259");
+    EXPECT_EQ(calls.Open(user, u"Software", KEY_READ), ENOENT);
+    EXPECT_EQ(calls.Names(user, true), u"259");
     EXPECT_TRUE(fs::is_empty(directory.Place()));
-    EXPECT_EQ(others.Create(HKEY_CURRENT_USER, u"A", KEY_READ), 0U);
-    EXPECT_EQ(calls.Open(HKEY_CURRENT_USER, u"Software", KEY_READ), 0U);
+    EXPECT_EQ(others.Create(user, u"A", KEY_READ), 0U);
+    EXPECT_EQ(calls.Open(user, u"Software", KEY_READ), 0U);
 }
 
 TEST_F(RegistryDatabaseTest, MakesItsFilesForThoseWhoMayReadThem) {
     mode_t const mask = ::umask(077);
     auto const made = MakeDatabaseRegistry(directory.Path(u"u/v/user.db"), directory.Path(u"m/machine.db"));
-    for (void* root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
+    for (void* root : {user, machine})
         EXPECT_EQ(RegistryCalls{*made}.Open(root, u"Software"), 0U);
     ::umask(mask);
     for (auto const& [name, mode] :
@@ -242,31 +225,30 @@ TEST_F(RegistryDatabaseTest, MakesItsFilesForThoseWhoMayReadThem) {
 
 // A key that is known from before may have been deleted by another process.
 TEST_F(RegistryDatabaseTest, MakesAKnownKeyAnewThatOthersHaveDeleted) {
-    ASSERT_EQ(calls.Create(HKEY_CURRENT_USER, u"Software\\P"), 0U);
+    ASSERT_EQ(calls.Create(user, u"Software\\P"), 0U);
     void* const parent = calls.key;
     auto const deletedByOthers = [&] {
         ASSERT_EQ((Results{calls.Create(parent, u"S"), calls.Set(calls.key, u"old", "1"),
-                           others.Delete(HKEY_CURRENT_USER, u"Software\\P\\S"), calls.Create(parent, u"S")}),
+                           others.Delete(user, u"Software\\P\\S"), calls.Create(parent, u"S")}),
                   Results(4, 0));
     };
     deletedByOthers();
-    EXPECT_EQ((Results{calls.Set(calls.key, u"new", "2"), others.Open(HKEY_CURRENT_USER, u"Software\\P\\S")}),
+    EXPECT_EQ((Results{calls.Set(calls.key, u"new", "2"), others.Open(user, u"Software\\P\\S")}),
               Results(2, 0));
     EXPECT_EQ(others.Names(others.key, false), u"new|259");
     deletedByOthers();
     EXPECT_EQ(calls.Query(calls.key, u"old"), "error 2");
     // Opening always looks.
-    EXPECT_EQ((Results{others.Open(HKEY_CURRENT_USER, u"Software\\P\\S"), calls.Open(parent, u"S"),
-                       others.Delete(HKEY_CURRENT_USER, u"Software\\P\\S"), calls.Open(parent, u"S")}),
+    EXPECT_EQ((Results{others.Open(user, u"Software\\P\\S"), calls.Open(parent, u"S"),
+                       others.Delete(user, u"Software\\P\\S"), calls.Open(parent, u"S")}),
               (Results{0, 0, 0, ENOENT}));
-    EXPECT_EQ((Results{others.Delete(HKEY_CURRENT_USER, u"Software\\P"), calls.Set(parent, u"x", "1")}),
+    EXPECT_EQ((Results{others.Delete(user, u"Software\\P"), calls.Set(parent, u"x", "1")}),
               (Results{0, EIDRM}));
 }
 
 // Such a reader would otherwise find nothing, and write its default over the value.
 TEST_F(RegistryDatabaseTest, AValueThatOthersMakeLongerIsReadAsItWas) {
-    ASSERT_EQ((Results{calls.Create(HKEY_CURRENT_USER, u"K"), others.Create(HKEY_CURRENT_USER, u"K")}),
-              Results(2, 0));
+    ASSERT_EQ((Results{calls.Create(user, u"K"), others.Create(user, u"K")}), Results(2, 0));
     void* const key = calls.key;
     for (auto* writer : {&others, &calls}) {
         ASSERT_EQ(others.Set(others.key, u"x", "first"), 0U);
@@ -277,9 +259,9 @@ TEST_F(RegistryDatabaseTest, AValueThatOthersMakeLongerIsReadAsItWas) {
         };
         EXPECT_EQ(query(), ERROR_MORE_DATA);
         ASSERT_EQ(writer->Set(writer->key, u"x", "longer text"), 0U);
-        EXPECT_EQ(query(),
-                  writer == &others ? 0U : ERROR_MORE_DATA); // what this registry has written is seen
-        EXPECT_EQ(room, writer == &others ? "first" : "12345");
+        bool const isByOthers = writer == &others; // what this registry has written is seen
+        EXPECT_EQ(query(), isByOthers ? 0U : ERROR_MORE_DATA);
+        EXPECT_EQ(room, isByOthers ? "first" : "12345");
         EXPECT_EQ(calls.Query(key, u"x"), "longer text");
     }
 }
@@ -290,14 +272,13 @@ TEST_F(RegistryDatabaseTest, RefusesFilesThatAreNoneOfIts) {
     sqlite3_open((directory.Place() / "machine.db").c_str(), &newer);
     ASSERT_EQ(sqlite3_exec(newer, "PRAGMA user_version = 2", nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(newer);
-    EXPECT_EQ(
-        (Results{calls.Open(HKEY_CURRENT_USER, u"Software"), calls.Open(HKEY_LOCAL_MACHINE, u"Software")}),
-        (Results{EIO, ENOTSUP}));
+    EXPECT_EQ((Results{calls.Open(user, u"Software"), calls.Open(machine, u"Software")}),
+              (Results{EIO, ENOTSUP}));
     EXPECT_EQ(ContentOf(directory.Place() / "user.db"), std::string(5000, 'x'));
     auto const nowhere = MakeDatabaseRegistry(directory.Path(), u"");
     RegistryCalls none{*nowhere};
-    EXPECT_NE(none.Open(HKEY_CURRENT_USER, u"Software"), 0U);
-    EXPECT_EQ(none.Open(HKEY_LOCAL_MACHINE, u"Software"), ENOENT);
+    EXPECT_NE(none.Open(user, u"Software"), 0U);
+    EXPECT_EQ(none.Open(machine, u"Software"), ENOENT);
 }
 
 // In a process without rights while no writer lives, also behind one that was killed before it could tidy up.
@@ -311,44 +292,40 @@ TEST_F(RegistryDatabaseTest, AUserWithoutRightsReadsAndIsRefusedToWrite) {
         ChildProcess writer([&] {
             auto registry = RegistryIn(directory);
             RegistryCalls writing{*registry};
-            bool const isWritten = writing.Create(HKEY_LOCAL_MACHINE, u"Software\\M") == 0 &&
-                                   writing.Set(writing.key, u"x", written) == 0;
+            bool const isWritten =
+                writing.Create(machine, u"Software\\M") == 0 && writing.Set(writing.key, u"x", written) == 0;
             if (written == "killed")
                 registry.release();
-            return isWritten ? 0 : 1;
+            return isWritten;
         });
-        ASSERT_EQ(writer.Wait(), 0);
+        ASSERT_TRUE(writer.Wait());
         setModes(0555, 0444);
         ChildProcess reader([&] {
             bool const hasNoRights = ::geteuid() != 0 || ::setuid(65534) == 0;
-            void* const root = HKEY_LOCAL_MACHINE;
+            void* const root = machine;
             Results const results{calls.Open(root, u"Software\\M"), calls.Create(root, u"New", KEY_READ),
                                   calls.Delete(root, u"Software\\M"),
                                   calls.Open(root, u"Software\\M", KEY_READ),
                                   calls.Set(calls.key, u"x", "changed")};
             bool const areRight = results == Results{EACCES, EACCES, EACCES, 0, EACCES};
-            return hasNoRights && areRight && calls.Query(calls.key, u"x") == written ? 0 : 1;
+            return hasNoRights && areRight && calls.Query(calls.key, u"x") == written;
         });
-        EXPECT_EQ(reader.Wait(), 0) << written;
+        EXPECT_TRUE(reader.Wait()) << written;
         setModes(0755, 0644);
     }
 }
 
 TEST(SystemRegistry, TakesItsFilesFromACallBeforeTheFirstUse) {
     TempDirectory const directory;
-    ChildProcess user([&] { // whose first use it is
-        bool const isSet = SetRegistryFiles(directory.Path(u"user.db"), directory.Path(u"machine.db"));
+    ChildProcess process([&] { // whose first use it is
+        bool works = SetRegistryFiles(directory.Path(u"user.db"), directory.Path(u"machine.db"));
         Registry* const system = &GetRegistry();
-        bool const isUsed = RegistryCalls{*system}.Create(HKEY_CURRENT_USER, u"Software\\A") == 0 &&
-                            !SetRegistryFiles(u"a", u"b");
+        works &= RegistryCalls{*system}.Create(user, u"Software\\A") == 0 && !SetRegistryFiles(u"a", u"b");
         auto const memory = MakeMemoryRegistry();
-        bool const isReplaced = UseRegistry(memory.get()) == nullptr && &GetRegistry() == memory.get();
-        return isSet && isUsed && isReplaced && UseRegistry(nullptr) == memory.get() &&
-                       &GetRegistry() == system
-                   ? 0
-                   : 1;
+        works &= UseRegistry(memory.get()) == nullptr && &GetRegistry() == memory.get();
+        return works && UseRegistry(nullptr) == memory.get() && &GetRegistry() == system;
     });
-    EXPECT_EQ(user.Wait(), 0);
+    EXPECT_TRUE(process.Wait());
     EXPECT_TRUE(fs::exists(directory.Place() / "user.db"));
 }
 

@@ -5,15 +5,17 @@
 #include <functional>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace QMT {
 
-// Does the work in a process of its own, which then ends with the work's result. The destructor kills it.
+// Does the work in a process of its own, which then ends with the work's result, whether it went well. The
+// destructor kills it.
 class ChildProcess {
 public:
-    explicit ChildProcess(std::function<int()> const& work) : process(::fork()) {
+    explicit ChildProcess(std::function<bool()> const& work) : process(::fork()) {
         if (process == 0)
-            ::_exit(work());
+            ::_exit(work() ? 0 : 1);
     }
 
     ChildProcess(ChildProcess const&) = delete;
@@ -24,12 +26,11 @@ public:
             Wait();
     }
 
-    // What the work gave.
-    int Wait() {
+    // Whether the work went well.
+    bool Wait() {
         int status = 0;
-        ::waitpid(process, &status, 0);
-        process = -1;
-        return WEXITSTATUS(status);
+        ::waitpid(std::exchange(process, -1), &status, 0);
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }
 
 private:

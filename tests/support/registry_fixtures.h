@@ -1,17 +1,15 @@
 // Registries for tests, and short forms of the calls to them.
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "qmt/config/registry_tree.h"
 #include "qmt/platform/registry.h"
 #include "support/temp_directory.h"
+#include "support/text.h"
 
 namespace QMT {
+
+inline void* const user = HKEY_CURRENT_USER;
+inline void* const machine = HKEY_LOCAL_MACHINE;
 
 // A registry in the databases of a directory.
 inline std::unique_ptr<Registry> RegistryIn(TempDirectory const& directory) {
@@ -84,8 +82,7 @@ struct RegistryCalls {
 
     Registry& registry;
     void* key = nullptr;
-    std::uint32_t disposition = 0;
-    std::uint32_t type = 0;
+    std::uint32_t disposition = 0, type = 0;
 };
 
 } // namespace QMT

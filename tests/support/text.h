@@ -42,6 +42,19 @@ String Joined(Values const&... values) {
     return text;
 }
 
+inline String Repeated(std::size_t count, CodeUnit unit) {
+    return String(std::basic_string<CodeUnit>(count, unit));
+}
+
+// The elements of an array of ours, with a bar behind each.
+template <class Array>
+String Listed(Array const& array) {
+    String text;
+    for (std::size_t i = 0; i < array.Size(); ++i)
+        text << array[i] << u"|";
+    return text;
+}
+
 // The text of the error, which is deleted; empty for null.
 inline String TakeError(ErrorInfo* error) {
     std::unique_ptr<ErrorInfo> const owner(error);
