@@ -1,8 +1,7 @@
 #include "html/native_text_jobs.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <deque>
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -55,16 +54,40 @@ void MergeSorted(VArray<String, String>& strings, std::deque<String>& found) {
     }
 }
 
-// Where the text first stands in the line. The plain search can take the product of both lengths, so that a
-// long text is searched for in a way that cannot.
+// Finds a text in a line in time in proportion to both, whatever they hold. Where the plain search begins
+// anew, this one keeps the longest beginning of the text that what it has just read still ends in.
+std::size_t FirstPlaceOfLong(TextView text, TextView line) {
+    std::vector<std::size_t> shorter(text.size() + 1); // by the length of a beginning: the next one to try
+    std::size_t matched = 0;
+    auto const take = [&](CodeUnit unit) {
+        while (matched > 0 && text[matched] != unit) {
+            matched = shorter[matched];
+        }
+        if (text[matched] == unit) {
+            ++matched;
+        }
+    };
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        take(text[i]);
+        shorter[i + 1] = matched;
+    }
+    matched = 0;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        take(line[i]);
+        if (matched == text.size()) {
+            return i + 1 - text.size();
+        }
+    }
+    return nowhere;
+}
+
+// Where the text, which is not empty, first stands in the line. A paragraph's text is the whole line.
 std::size_t FirstPlaceOf(TextView text, TextView line) {
     constexpr std::size_t longText = 256;
-    if (text.size() < longText) {
-        return line.find(text);
+    if (line.starts_with(text)) {
+        return 0;
     }
-    auto const place =
-        std::search(line.begin(), line.end(), std::boyer_moore_searcher(text.begin(), text.end()));
-    return place == line.end() ? nowhere : static_cast<std::size_t>(place - line.begin());
+    return text.size() < longText ? line.find(text) : FirstPlaceOfLong(text, line);
 }
 
 class Substitution : public NativeTextSink {

@@ -161,6 +161,17 @@ TEST_F(HtmlParserTest, CoverageTellsWhatIsMissingUnusedAndLost) {
     EXPECT_EQ(CheckNativeCoverage(u"<p>a</p>", table, false).lostFrom, 0u);
 }
 
+// A search in quadratic time would run into the test's time limit.
+TEST(HtmlPages, LongTextsThatRepeatThemselvesAreReplaced) {
+    String const start = u"<h1>" + String(std::basic_string<CodeUnit>(2'000'000, u'a'));
+    String const text = start.Mid(4) + u"b";
+    Table table;
+    table.Insert(text, u"short");
+    HtmlParser parser(start + u"<b>" + text + u"</h1>");
+    parser.SubstituteNativeStrings(table, false);
+    EXPECT_EQ(parser.GetAlteredHtml(), String(start + u"<b>short</h1>") << newline);
+}
+
 String FileText(std::filesystem::path const& path) {
     return DecodeFromUTF8(ContentOf(path).c_str(), false);
 }
