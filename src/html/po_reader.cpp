@@ -16,23 +16,19 @@ enum class Field { None, Context, Key, Plural, Value };
 
 // Appends what the escape "\" with this unit stands for; false when it is none that is known.
 bool AppendEscape(String& text, CodeUnit unit) {
-    switch (unit) {
-    case u'n':
+    constexpr std::pair<char16_t, char16_t> characters[] = {{u't', u'\t'},  {u'r', u'\r'}, {u'"', u'"'},
+                                                            {u'\\', u'\\'}, {u'a', u'\a'}, {u'b', u'\b'},
+                                                            {u'f', u'\f'},  {u'v', u'\v'}};
+    if (unit == u'n') {
         text << newline;
         return true;
-    case u't':
-        text << CodeUnit{u'\t'};
-        return true;
-    case u'r':
-        text << CodeUnit{u'\r'};
-        return true;
-    case u'"':
-    case u'\\':
-        text << unit;
-        return true;
-    default:
+    }
+    auto const known = std::ranges::find(characters, unit, [](auto const& pair) { return pair.first; });
+    if (known == std::end(characters)) {
         return false;
     }
+    text << CodeUnit{known->second};
+    return true;
 }
 
 // Appends a string in double quotes that fills the whole of quoted; otherwise gives what is wrong with it.
@@ -97,7 +93,7 @@ public:
             if (char16_t const* const fault = CheckHeader()) {
                 return fault;
             }
-        } else if (!isFuzzy && !value.IsEmpty()) {
+        } else if (!isFuzzy && !key.IsEmpty() && !value.IsEmpty()) {
             entries.Add(key, value);
         }
         BeginEntry();
@@ -114,7 +110,8 @@ private:
         context.SetEmpty();
     }
 
-    // A comment belongs to the entry behind it; only its flags matter. What "#~" hides is obsolete.
+    // A comment belongs to the entry behind it; only its flags matter. What "#~" hides is an obsolete entry,
+    // and takes the flags in front of it with it.
     char16_t const* TakeComment(TextView line) {
         if (hasValue) {
             if (char16_t const* const fault = FinishEntry()) {
@@ -123,6 +120,8 @@ private:
         }
         if (line.starts_with(u"#,"_view) && Holds(line, u"fuzzy"_view)) {
             isFuzzy = true;
+        } else if (line.starts_with(u"#~"_view)) {
+            isFuzzy = false;
         }
         return nullptr;
     }

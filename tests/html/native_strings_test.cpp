@@ -65,12 +65,14 @@ TEST_F(NativeStringsTest, PoFilesGiveTheirTranslatedEntries) {
         "# by hand\n#, fuzzy\nmsgid ''\nmsgstr ''\n'Content-Type: text/plain; charset=UTF-8\\n'\n#: "
         "page.html:3\n"
         "msgctxt 'menu'\nmsgid 'Open'\nmsgstr 'Auf'\n\nmsgid 'Open'\nmsgstr 'Offen'\nmsgid ''\n  'two\\n'\n"
-        "'lines\\t\\'\\\\\\r'\nmsgstr'zwei'  \n#, c-format, fuzzy\nmsgid 'unsure'\nmsgstr 'unsicher'\n#, "
+        "'lines\\t\\'\\\\\\r\\v'\nmsgstr'zwei'  \n#, c-format, fuzzy\nmsgid 'unsure'\nmsgstr 'unsicher'\n#, "
         "c-format\n"
-        "msgid 'open'\nmsgstr ''\n#~ msgid 'old'\n#~ msgstr 'alt'\nmsgid 'page'\nmsgid_plural 'pages'\n"
+        "msgid 'open'\nmsgstr ''\nmsgctxt 'no'\nmsgid ''\nmsgstr 'key'\n#, fuzzy\n#~ msgid 'old'\n#~ msgstr "
+        "'alt'\nmsgid 'page'\nmsgid_plural 'pages'\n"
         "msgstr[0] 'Seite'\nmsgstr[1] 'Seiten'\n'!'\n");
     String expected = u"Open=Auf;page=Seite;two";
-    EXPECT_EQ(Content(table), expected << newline << u"lines\t\"\\\r=zwei;") << testing::PrintToString(error);
+    EXPECT_EQ(Content(table), expected << newline << u"lines\t\"\\\r\v=zwei;")
+        << testing::PrintToString(error);
     EXPECT_EQ(NATIVE(u"page") + error, u"Seite");
 }
 
