@@ -110,7 +110,13 @@ Error ReadTable(String const& name, Table& table) {
     if (IsPoFile(name)) {
         return Error(QMT::ReadPoNativeStrings(name, table));
     }
-    // ReadNativeStrings tells of failures in the error log only, and this user has none.
+    // ReadNativeStrings tells of failures in the error log only, and this user has none. So the file is read
+    // twice, which a pipe does not allow.
+    std::error_code ignored;
+    if (fs::file_status const status = fs::status(PathOf(name), ignored);
+        fs::exists(status) && !fs::is_regular_file(status)) {
+        return Error(QMT::MakeError(u"can't read " + name + u": it is no regular file"));
+    }
     String text;
     if (Error error = ReadText(name, text)) {
         return error;

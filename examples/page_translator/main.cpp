@@ -1,8 +1,10 @@
 // Shows pages in the reader's language; docs/page_translator.md tells how.
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "files.h"
@@ -20,6 +22,15 @@ enum ExitStatus { Success = 0, Failed = 1, BadCommandLine = 2 };
 
 void Tell(String const& message) {
     std::fprintf(stderr, "page_translator: %s\n", ToUtf8(message).c_str());
+}
+
+Error Print(String const& text) {
+    if (std::fputs(ToUtf8(text).c_str(), stdout) >= 0 && std::fflush(stdout) == 0) {
+        return nullptr;
+    }
+    std::string const reason = std::generic_category().message(errno);
+    return Error(
+        QMT::MakeError(u"can't write to standard output: " + QMT::DecodeFromUTF8(reason.c_str(), false)));
 }
 
 // Says on standard error what is being done, where the page is so long that somebody may wonder.
@@ -116,8 +127,14 @@ Error TranslatePage(Options const& options) {
     if (Error error = ReplaceFile(options.output, translation.page)) {
         return error;
     }
-    std::fputs(ToUtf8(DescribeCoverage(coverage, translation.textCount)).c_str(), stdout);
-    return nullptr;
+    return Print(DescribeCoverage(coverage, translation.textCount));
+}
+
+Error Execute(Options const& options) {
+    if (options.help) {
+        return Print(QMT::DecodeFromUTF8(UsageText(), false));
+    }
+    return options.list ? ListTexts(options) : TranslatePage(options);
 }
 
 int Run(std::vector<std::string> const& words) {
@@ -127,11 +144,7 @@ int Run(std::vector<std::string> const& words) {
         std::fprintf(stderr, "\n%s", UsageText());
         return BadCommandLine;
     }
-    if (options.help) {
-        std::fputs(UsageText(), stdout);
-        return Success;
-    }
-    if (Error const error = options.list ? ListTexts(options) : TranslatePage(options)) {
+    if (Error const error = Execute(options)) {
         Tell(*error);
         return Failed;
     }

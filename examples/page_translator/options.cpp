@@ -100,7 +100,7 @@ char const* UsageText() {
            "  --list     OUTPUT becomes a gettext file if its name ends in .po, else lines with a tab\n"
            "  --help     these lines\n\n"
            "Ends with 0 on success, 1 on failure, 2 on a bad command line. Nothing new stands under the\n"
-           "name OUTPUT unless the run succeeds.\n";
+           "name OUTPUT unless it is complete.\n";
 }
 
 } // namespace Translator

@@ -53,12 +53,12 @@ TEST_F(PageTranslatorTest, PageIsTranslatedAndWrapped) {
 
 TEST_F(PageTranslatorTest, CoverageNamesWhatDoesNotFit) {
     Write("page", "<h1>A \"b\"</h1>\r\n<h2>Known</h2>\r\n<p>two\r\nlines</p>\r\n<h3>A \"b\"</h3>\r\n<p>lost");
-    Write("table", "Known\tbekannt\nC\\D\tx\nE");
+    Write("table", "Known\tbekannt\nC\\D\tx\nE\x1b");
     EXPECT_EQ(Run("$run page table out"), "translated: 1 of 3 texts\n"
                                           "missing:    \"A \\\"b\\\"\", line 1, 5\n"
                                           "missing:    \"two\\nlines\", line 3\n"
                                           "unused:     \"C\\\\D\"\n"
-                                          "unused:     \"E\"\n"
+                                          "unused:     \"E\xEF\xBF\xBD\"\n"
                                           "lost:       the text from line 6 on, whose paragraph is never "
                                           "closed\nstatus 0\n");
     EXPECT_EQ(TextOf("out"), "<h1>A \"b\"</h1>\n<h2>bekannt</h2>\n<p>\ntwo\nlines\n</p>\n"
@@ -102,6 +102,8 @@ TEST_F(PageTranslatorTest, FailuresAreToldAndLeaveTheOldPage) {
              {"$run --list missing out", "missing", 1},
              {"$run page none out", "none", 1},
              {"$run page folder out", "folder", 1},
+             {"echo One | $run page /dev/stdin out", "can't read /dev/stdin: it is no regular file", 1},
+             {"$run --help > /dev/full", "can't write to standard output", 1},
              {"$run page bad.po out", "bad.po, line 2", 1},
              {"$run page table nowhere/new", "can't write nowhere/new", 1},
              {"$run page table folder", "can't write folder: it is no regular file", 1},
