@@ -125,6 +125,11 @@ Error ReadTable(String const& name, Table& table) {
     return nullptr;
 }
 
+bool IsSameFile(String const& name, String const& other) {
+    std::error_code ignored;
+    return fs::equivalent(PathOf(name), PathOf(other), ignored);
+}
+
 Error ReplaceFile(String const& name, String const& text) {
     fs::path finalPath = PathOf(name);
     std::error_code error;

@@ -27,6 +27,9 @@ Error ReadText(QMT::String const& name, QMT::String& text);
 // Reads a table of native strings, lines with a tab or a gettext file. After an error the table is empty.
 Error ReadTable(QMT::String const& name, Table& table);
 
+// True when both names lead to the same file, which must exist.
+bool IsSameFile(QMT::String const& name, QMT::String const& other);
+
 // Makes the text the whole content of the file, as UTF-8. It is written beside its final name, in
 // .page_translator-<digits>.part, and renamed when it is complete: after an error, or when the program is
 // killed, the file is what it was. A name that is a symbolic link means the file it leads to; a file that is

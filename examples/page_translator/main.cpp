@@ -134,6 +134,11 @@ Error Execute(Options const& options) {
     if (options.help) {
         return Print(QMT::DecodeFromUTF8(UsageText(), false));
     }
+    // A page may be replaced by its translation, but nothing else by what is made of it.
+    if (String const& source = options.list ? options.page : options.table;
+        IsSameFile(source, options.output)) {
+        return Error(QMT::MakeError(u"won't replace " + source + u", which is to be read"));
+    }
     return options.list ? ListTexts(options) : TranslatePage(options);
 }
 

@@ -103,6 +103,8 @@ TEST_F(PageTranslatorTest, FailuresAreToldAndLeaveTheOldPage) {
              {"$run page none out", "none", 1},
              {"$run page folder out", "folder", 1},
              {"echo One | $run page /dev/stdin out", "can't read /dev/stdin: it is no regular file", 1},
+             {"$run page table ./table", "won't replace table", 1},
+             {"$run --list page page", "won't replace page", 1},
              {"$run --help > /dev/full", "can't write to standard output", 1},
              {"$run page bad.po out", "bad.po, line 2", 1},
              {"$run page table nowhere/new", "can't write nowhere/new", 1},
