@@ -83,7 +83,7 @@ std::size_t FirstPlaceOfLong(TextView text, TextView line) {
 
 // Where the text, which is not empty, first stands in the line. A paragraph's text is the whole line.
 std::size_t FirstPlaceOf(TextView text, TextView line) {
-    constexpr std::size_t longText = 256;
+    constexpr std::size_t longText = 64;
     if (line.starts_with(text)) {
         return 0;
     }
