@@ -6,12 +6,11 @@
 #include <utf8.h>
 
 #include "platform/code_points.h"
+#include "platform/file_names_posix.h"
 
 namespace QMT::platform {
 
 namespace {
-
-constexpr std::uint32_t escapedByteBase = 0xDC00;
 
 // The usual path, at the lowest cost: nearly every access to a file needs one.
 bool NarrowAscii(std::basic_string_view<CodeUnit> path, std::string& name) {

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/code_points.h"
+#include "platform/file_names_posix.h"
 
 namespace QMT::platform {
 
@@ -19,8 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using TextView = std::basic_string_view<CodeUnit>;
-
-constexpr std::uint32_t escapedByteBase = 0xDC00;
 
 constexpr mode_t newFileMode = 0666; // less the user's mask
 
@@ -39,20 +38,6 @@ std::string ToName(TextView path) {
         }
     }
     return name;
-}
-
-std::basic_string<CodeUnit> FromName(std::string_view name) {
-    std::basic_string<CodeUnit> text;
-    while (!name.empty()) {
-        auto const invalid = utf8::find_invalid(name.begin(), name.end());
-        utf8::unchecked::utf8to16(name.begin(), invalid, std::back_inserter(text));
-        name.remove_prefix(static_cast<std::size_t>(invalid - name.begin()));
-        if (!name.empty()) {
-            text += static_cast<CodeUnit>(escapedByteBase + static_cast<unsigned char>(name.front()));
-            name.remove_prefix(1);
-        }
-    }
-    return text;
 }
 
 bool HoldsZero(TextView path) {
@@ -231,7 +216,7 @@ SystemError ListDirectory(TextView path, std::vector<DirectoryEntry>& entries) {
          entry.increment(error)) {
         std::error_code unknown; // a link that leads nowhere is no directory
         bool const isDirectory = entry->is_directory(unknown);
-        entries.push_back({FromName(entry->path().filename().native()), isDirectory});
+        entries.push_back({FromFileName(entry->path().filename().native()), isDirectory});
     }
     return ResultOf(error);
 }
