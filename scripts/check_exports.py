@@ -29,7 +29,8 @@ RING_OPERATIONS = """
     SetProperties(int, unsigned long) ClearFlags() InternalBuffers() FixedBufferSize() const BufferCount() const
     SetEndReadNotifyRequired(QMT::CountingSemaphore*) SetEndWriteNotifyRequired(QMT::CountingSemaphore*)
     GetTraceName() const SetTraceName(QMT::String)
-    TestRead() BeginRead() BeginPartialRead(unsigned long&) ForPeekRead() ForPartialPeekRead(unsigned long&)
+    Counts() const ZeroCounts()
+    TestRead() TestSharedRead() BeginRead() BeginPartialRead(unsigned long&) ForPeekRead() ForPartialPeekRead(unsigned long&)
     ReadSwap(unsigned char**) PartialReadSwap(unsigned char**, unsigned long*) EndRead() ForceEndRead()
     TestWrite() BeginWrite() ForOverWrite() WriteReplace(unsigned char*)
     PartialWriteReplace(unsigned char*, unsigned long) WriteSwap(unsigned char**)

@@ -15,6 +15,7 @@ AudioChain::AudioChain(ChainSettings const& settings)
     QMT::ChainLink::SetThreadPoolToUse(&pool);
     ConfigureRings(static_cast<int>(settings.buffers) + 1); // one slot of a ring is never in use
     Join();
+    NameLinks();
 }
 
 // A band has one block under way at most: the array holds it back until the shared block is free.
@@ -35,6 +36,17 @@ void AudioChain::Join() {
     meter.CoupleToPredecessor();
     sink.SetPreceedingLink(&meter);
     meter.GetBuffers().SetEndWriteNotifyRequired(&blockReady);
+}
+
+void AudioChain::NameLinks() {
+    source.SetTraceName(u"source");
+    gain.SetTraceName(u"gain");
+    low.SetTraceName(u"low");
+    middle.SetTraceName(u"middle");
+    high.SetTraceName(u"high");
+    bands.SetTraceName(u"bands");
+    meter.SetTraceName(u"meter");
+    sink.SetTraceName(u"sink");
 }
 
 AudioChain::~AudioChain() {

@@ -5,10 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "audio_block.h"
 #include "level_meter.h"
 #include "links.h"
+#include "qmt/chain/link_counts.h"
 #include "qmt/chain/thread_pool.h"
 #include "qmt/general/events.h"
 
@@ -81,9 +83,13 @@ public:
 
     FullRings CountFullRings() const;
 
+    // What each link has done so far. At any time.
+    std::vector<QMT::LinkCounts> CountLinks() { return QMT::CountChain(sink); }
+
 private:
     void ConfigureRings(int slots);
     void Join();
+    void NameLinks();
 
     std::size_t blockSamples;
     QMT::CountingSemaphore blockReady{"block ready", 0};

@@ -2,6 +2,10 @@
 
 #include <cinttypes>
 #include <cstdio>
+#include <memory>
+#include <string>
+
+#include "qmt/helpers/system.h"
 
 namespace Audio {
 
@@ -36,6 +40,26 @@ void PrintCheck(double difference) {
                 ToDbfs(difference));
 }
 
+std::string Narrow(QMT::String const& text) {
+    constexpr unsigned int utf8 = 65001;
+    std::unique_ptr<char[]> const bytes(QMT::ConvertToMultibyte(text, utf8, nullptr));
+    return bytes.get();
+}
+
+void PrintLink(QMT::LinkCounts const& link) {
+    std::printf("%-8s %-13s %6d %8" PRIu64 " %8" PRIu64 " %8" PRIu64 " %8" PRIu64 " %8" PRIu64 " %8d\n",
+                Narrow(link.name).c_str(), Narrow(NameOf(link.kind)).c_str(), link.slots, link.pushes,
+                link.pulls, link.processCalls, link.ring.foundFull, link.ring.foundEmpty,
+                link.ring.highestFill);
+}
+
+void PrintLinks(std::vector<QMT::LinkCounts> const& links) {
+    std::printf("\n%-8s %-13s %6s %8s %8s %8s %8s %8s %8s\n", "link", "", "slots", "pushes", "pulls", "calls",
+                "full", "empty", "highest");
+    for (QMT::LinkCounts const& link : links)
+        PrintLink(link);
+}
+
 } // namespace
 
 void PrintTable(RunResult const& result) {
@@ -51,6 +75,7 @@ void PrintTable(RunResult const& result) {
         PrintCount("no numbers, taken as 0", result.unusableSamples);
     if (result.largestDifference)
         PrintCheck(*result.largestDifference);
+    PrintLinks(figures.links);
 }
 
 } // namespace Audio

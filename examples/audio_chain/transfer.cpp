@@ -92,9 +92,9 @@ bool Transfer::WaitForRecorder() {
     return signalled == endedIndex;
 }
 
-TransferFigures Transfer::Figures(double seconds) const {
+TransferFigures Transfer::Figures(double seconds) {
     return {framesIn,   output.Frames(),        inputLevel, chain.OutputLevel(),
-            sourceFull, chain.CountFullRings(), seconds};
+            sourceFull, chain.CountFullRings(), seconds,    chain.CountLinks()};
 }
 
 } // namespace Audio

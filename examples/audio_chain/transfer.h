@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "chain.h"
 #include "level_meter.h"
@@ -22,6 +23,7 @@ struct TransferFigures {
     std::uint64_t sourceFull; // blocks for which the first ring had no room at once
     FullRings furtherFull;
     double seconds;
+    std::vector<QMT::LinkCounts> links;
 };
 
 // Sends a recording through a chain into another recording, once: this thread reads and writes into the
@@ -46,7 +48,7 @@ private:
     bool FillBlock(AudioBlock block);
     void PushUntilRecorded();
     bool WaitForRecorder();
-    TransferFigures Figures(double seconds) const;
+    TransferFigures Figures(double seconds);
 
     RecordingReader& input;
     RecordingWriter& output;

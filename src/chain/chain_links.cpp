@@ -31,9 +31,22 @@ ChainLink* ChainLink::GetPreceeding() {
     return preceeding;
 }
 
-void ChainLink::PushProcess() {}
+// Whoever pushes here has written to the ring of the predecessor.
+void ChainLink::PushProcess() {
+    if (preceeding != nullptr)
+        preceeding->buffers.pushes.Add();
+}
 
-void ChainLink::PullProcess() {}
+// Whoever pulls here reads the ring, and does so alone unless it is shared.
+void ChainLink::PullProcess() {
+    if (buffers.endReadNotify == nullptr)
+        buffers.pulls.Add();
+}
+
+void ChainLink::DoProcess() {
+    buffers.processed.Add();
+    Process();
+}
 
 void ChainLink::SetTraceName(String name) {
     buffers.SetTraceName(name);

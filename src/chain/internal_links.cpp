@@ -22,7 +22,7 @@ void InternalPushLink::PushProcess() {
 }
 
 void InternalPushLink::ProcessAndPush() {
-    Process();
+    DoProcess();
     if (following != nullptr)
         following->PushProcess();
 }
@@ -56,7 +56,7 @@ void InternalPullLink::PullProcess() {
 void InternalPullLink::PullAndProcess() {
     if (preceeding != nullptr)
         upstream->Pull([this] { preceeding->PullProcess(); });
-    Process();
+    DoProcess();
 }
 
 void InternalPullLink::DoPullProcessing(void* link, Event* stopEvent) {
@@ -80,7 +80,9 @@ CrossoverLink::CrossoverLink() = default;
 
 CrossoverLink::~CrossoverLink() = default;
 
-void CrossoverLink::PullProcess() {}
+void CrossoverLink::PullProcess() {
+    ChainLink::PullProcess();
+}
 
 void CrossoverLink::StopLinkedProcessing() {
     StopScope scope(this);

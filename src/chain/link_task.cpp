@@ -83,9 +83,19 @@ bool LinkTask::TakeCount(Event* stopEvent) {
     inCycle.store(true, std::memory_order_relaxed);
     std::uint32_t counts = countsAtHand.load(std::memory_order_relaxed);
     if (counts == 0)
-        counts = EventAccess::TakeAll(processSemaphore);
+        counts = TakeAllCounts();
     countsAtHand.store(counts - 1, std::memory_order_relaxed);
     return true;
+}
+
+std::uint32_t LinkTask::TakeAllCounts() {
+    std::uint32_t const counts = EventAccess::TakeAll(processSemaphore);
+    countsTaken.Add(counts);
+    return counts;
+}
+
+std::uint32_t LinkTask::CountsWaiting() {
+    return EventAccess::Count(EventAccess::WordOf(processSemaphore).load(std::memory_order_relaxed));
 }
 
 bool LinkTask::WaitForCount(Event* stopEvent) {
@@ -100,7 +110,7 @@ void LinkTask::End() {
     TaskContext::OfThisThread() = {};
     inCycle = false;
     waitEvents.RemoveAll();
-    processSemaphore.ForceReset();
+    TakeAllCounts();
     countsAtHand = 0;
     if (!stopping)
         running = false;
@@ -133,7 +143,7 @@ bool LinkTask::RequestStop() {
 // True when a push has come after the counts were dropped, by somebody who still saw the task running.
 bool LinkTask::FinishStop() {
     CritSectionLock const lock(&section);
-    processSemaphore.ForceReset();
+    TakeAllCounts();
     QMT_SYNC_POINT("LinkTask::Stop: the counts are dropped");
     stopping = false;
     running = false;

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "chain/party_gate.h"
+#include "qmt/chain/tally.h"
 #include "qmt/general/containers.h"
 #include "qmt/general/events.h"
 
@@ -45,6 +46,15 @@ public:
     // For a link that is a party of a parallel stage.
     PartyGate& Gate() { return gate; }
 
+    // Pushes and pulls that the task has taken up or a stop has dropped, and those that wait for it. From any
+    // thread.
+    std::uint64_t CountsTaken() const { return countsTaken.Get(); }
+
+    std::uint32_t CountsWaiting();
+
+    // Begins `CountsTaken` anew. While there is no task.
+    void ZeroCounts() { countsTaken.Zero(); }
+
     // Whether this task, left alone, does another cycle or finishes the one it is in. Looked at from the
     // thread of the stage while a stop is under way.
     bool WillDoItsShare();
@@ -53,6 +63,7 @@ private:
     bool Begin(Event* stopEvent);
     bool TakeCount(Event* stopEvent);
     bool WaitForCount(Event* stopEvent);
+    std::uint32_t TakeAllCounts();
     void End();
 
     void Start();
@@ -84,6 +95,7 @@ private:
 
     // Counts that the task has taken off the semaphore, all it found at a time, and has not used yet.
     std::atomic<std::uint32_t> countsAtHand{0};
+    Tally countsTaken; // by the task, and under the section when there is none
 
     CodeUnit const* taskName;
     TaskFunction function;

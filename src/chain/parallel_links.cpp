@@ -32,6 +32,8 @@ struct ParallelCycle {
 
     bool HasParties() const { return links.Size() > 0; }
 
+    ChainLink* PartyAt(std::size_t index) const { return index < links.Size() ? links[index] : nullptr; }
+
     void AddParty(ChainLink* link, LinkTask* task, RotatingFixedBuffers& sharedInput);
     void RemoveParties();
 
@@ -137,6 +139,10 @@ void ParallelLinkArray::AddParty(ChainLink* link, LinkTask& task) {
     cycle->AddParty(link, &task, GetPrevChainLink()->GetBuffers());
 }
 
+ChainLink* ParallelLinkArray::PartyAt(std::size_t index) const {
+    return cycle->PartyAt(index);
+}
+
 void ParallelLinkArray::RemoveParallelLinks() {
     cycle->RemoveParties();
 }
@@ -144,7 +150,7 @@ void ParallelLinkArray::RemoveParallelLinks() {
 void ParallelLinkArray::ParallelProcess() {
     RotatingFixedBuffers& input = GetPrevChainLink()->GetBuffers();
     RotatingFixedBuffers& output = GetOwnBuffers();
-    if (!input.TestRead() || !output.TestWrite())
+    if (!input.TestSharedRead() || output.BeginWrite() == nullptr)
         return;
     bool const hasParties = cycle->HasParties();
     if (hasParties && !cycle->WaitForParties())

@@ -54,6 +54,7 @@ void RotatingFixedBuffers::SetProperties(int count, std::size_t size) {
     bufferCount = count;
     fixedBufferSize = size;
     ClearFlags();
+    ZeroCounts();
 }
 
 void RotatingFixedBuffers::ClearFlags() {
@@ -71,6 +72,17 @@ void RotatingFixedBuffers::SetEndReadNotifyRequired(CountingSemaphore* semaphore
     endReadNotify = semaphore;
     // Readers that shared the ring have moved on without the copy: let it be looked up again.
     knownWriteIndex = readIndex;
+}
+
+RingCounts RotatingFixedBuffers::Counts() const {
+    std::uint64_t const full = foundFull.Get();
+    int const room = bufferCount > 0 ? bufferCount - 1 : 0;
+    return {full, foundEmpty.Get(), full > 0 ? room : static_cast<int>(highestFill.Get())};
+}
+
+void RotatingFixedBuffers::ZeroCounts() {
+    for (Tally* const tally : {&foundFull, &foundEmpty, &highestFill})
+        tally->Zero();
 }
 
 String RotatingFixedBuffers::GetTraceName() const {
@@ -100,13 +112,13 @@ using Ring = RotatingFixedBuffers;
 // The data path is inline in the header. Callers that look operations up in the library, such as other
 // languages, find them there because this table holds their addresses.
 [[gnu::used]] std::tuple const dataPath(&Ring::InternalBuffers, &Ring::FixedBufferSize, &Ring::BufferCount,
-                                        &Ring::SetEndWriteNotifyRequired, &Ring::TestRead, &Ring::BeginRead,
-                                        &Ring::BeginPartialRead, &Ring::ForPeekRead,
-                                        &Ring::ForPartialPeekRead, &Ring::ReadSwap, &Ring::PartialReadSwap,
-                                        &Ring::EndRead, &Ring::ForceEndRead, &Ring::TestWrite,
-                                        &Ring::BeginWrite, &Ring::ForOverWrite, &Ring::WriteReplace,
-                                        &Ring::PartialWriteReplace, &Ring::WriteSwap, &Ring::PartialWriteSwap,
-                                        &Ring::EndWrite, &Ring::PartialEndWrite);
+                                        &Ring::SetEndWriteNotifyRequired, &Ring::TestRead,
+                                        &Ring::TestSharedRead, &Ring::BeginRead, &Ring::BeginPartialRead,
+                                        &Ring::ForPeekRead, &Ring::ForPartialPeekRead, &Ring::ReadSwap,
+                                        &Ring::PartialReadSwap, &Ring::EndRead, &Ring::ForceEndRead,
+                                        &Ring::TestWrite, &Ring::BeginWrite, &Ring::ForOverWrite,
+                                        &Ring::WriteReplace, &Ring::PartialWriteReplace, &Ring::WriteSwap,
+                                        &Ring::PartialWriteSwap, &Ring::EndWrite, &Ring::PartialEndWrite);
 
 } // namespace
 

@@ -25,6 +25,7 @@
 
 namespace QMT {
 
+class CountsAccess;
 class LinkTask;
 class ThreadPool;
 class UpstreamPulls;
@@ -49,10 +50,10 @@ public:
     // The link before this one; null until it is set.
     virtual ChainLink* GetPreceeding();
 
-    // Says that a buffer has been written to the ring of the predecessor. Here it does nothing.
+    // Says that a buffer has been written to the ring of the predecessor. Here it is only counted.
     virtual void PushProcess();
 
-    // Says that the successor wants a buffer in this link's ring. Here it does nothing.
+    // Says that the successor wants a buffer in this link's ring. Here it is only counted.
     virtual void PullProcess();
 
     // Stops this link's processing and passes the stop along the chain, on the caller's thread. Returns when
@@ -93,6 +94,13 @@ protected:
     ChainLink* following = nullptr;
 
 private:
+    friend class CountsAccess;
+    friend class InternalPushLink;
+    friend class InternalPullLink;
+
+    // Runs `Process`, and counts it.
+    void DoProcess();
+
     RotatingFixedBuffers buffers;
     String traceName;
 };
@@ -186,6 +194,7 @@ public:
     static void DoPushProcessing(void* link, Event* stopEvent);
 
 private:
+    friend class CountsAccess;
     friend class CrossoverLink;
     friend class ParallelPushLinkArray;
 
@@ -216,6 +225,7 @@ public:
     static void DoPullProcessing(void* link, Event* stopEvent);
 
 private:
+    friend class CountsAccess;
     friend class CrossoverLink;
     friend class ParallelPullLinkArray;
 
@@ -233,7 +243,7 @@ public:
     CrossoverLink();
     ~CrossoverLink() override;
 
-    // Does nothing.
+    // Only counts.
     void PullProcess() override;
 
     // Stops the own tasks and passes the stop both ways.
@@ -288,8 +298,11 @@ protected:
     void ParallelProcess();
 
 private:
+    friend class CountsAccess;
     friend class ParallelPushLinkArray;
     friend class ParallelPullLinkArray;
+
+    ChainLink* PartyAt(std::size_t index) const; // null behind the last
 
     void AddParty(ChainLink* link, LinkTask& task);
 

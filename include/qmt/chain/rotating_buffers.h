@@ -3,8 +3,10 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 
+#include "qmt/chain/tally.h"
 #include "qmt/export.h"
 #include "qmt/general/events.h"
 #include "qmt/general/string.h"
@@ -18,6 +20,21 @@ QMT_UTILU_API unsigned char* AllocateBlock(std::size_t size);
 
 // Frees a block that a ring has handed out or that no ring took; null is allowed.
 QMT_UTILU_API void FreeBlock(unsigned char* block) noexcept;
+
+// What the two sides of a ring have counted.
+struct RingCounts {
+    // Times that `BeginWrite` gave null, and that `BeginRead`, `BeginPartialRead` or `TestSharedRead` found
+    // no buffer.
+    std::uint64_t foundFull = 0;
+    std::uint64_t foundEmpty = 0;
+
+    // The most buffers that the ring was seen to hold: by the reader, when it had read all it knew of and
+    // looked for more, or by a writer who found it full. In between it may have held more, once it has been
+    // read never more than twice as many.
+    int highestFill = 0;
+
+    friend bool operator==(RingCounts const&, RingCounts const&) = default;
+};
 
 // Carries buffers from one writer to one reader without a lock and without copying.
 //
@@ -81,6 +98,14 @@ public:
     // use.
     void SetEndWriteNotifyRequired(CountingSemaphore* semaphore) { endWriteNotify = semaphore; }
 
+    // What has been counted since the ring was configured or `ZeroCounts` was called; readers that share the
+    // ring count nothing. From any thread, but not during the configuration. Each value is one that its count
+    // has had, but not all need be of one moment.
+    RingCounts Counts() const;
+
+    // Begins the counts anew. For a time when the ring is not in use.
+    void ZeroCounts();
+
     // Free text for diagnosis.
     String GetTraceName() const;
     void SetTraceName(String name);
@@ -90,13 +115,31 @@ public:
         int const index = readIndex.load(std::memory_order_relaxed);
         if (endReadNotify != nullptr)
             return index != publishedWriteIndex.load(std::memory_order_acquire);
-        if (index == knownWriteIndex)
+        if (index == knownWriteIndex) {
             knownWriteIndex = publishedWriteIndex.load(std::memory_order_acquire);
+            CountFill(index, knownWriteIndex);
+        }
         return index != knownWriteIndex;
     }
 
+    // The same for the thread that coordinates readers which share the ring, and counted, as what those find
+    // is not.
+    bool TestSharedRead() {
+        int const index = readIndex.load(std::memory_order_relaxed);
+        int const end = publishedWriteIndex.load(std::memory_order_acquire);
+        CountFill(index, end);
+        if (index == end)
+            foundEmpty.Add();
+        return index != end;
+    }
+
     // The slot to read, null when the ring is empty. Changes nothing: a second call gives the same slot.
-    unsigned char** BeginRead() { return TestRead() ? ReadSlot() : nullptr; }
+    unsigned char** BeginRead() {
+        if (TestRead())
+            return ReadSlot();
+        CountEmpty();
+        return nullptr;
+    }
 
     // As `BeginRead`; `size` becomes the slot's byte count, also when the ring is empty.
     unsigned char** BeginPartialRead(std::size_t& size) {
@@ -105,6 +148,7 @@ public:
             return ReadSlot();
         }
         size = bufferCount == 0 ? 0 : ReadSize().load(std::memory_order_relaxed);
+        CountEmpty();
         return nullptr;
     }
 
@@ -147,7 +191,12 @@ public:
     }
 
     // The slot to write, null when the ring is full. Changes nothing: a second call gives the same slot.
-    unsigned char** BeginWrite() { return TestWrite() ? WriteSlot() : nullptr; }
+    unsigned char** BeginWrite() {
+        if (TestWrite())
+            return WriteSlot();
+        foundFull.Add();
+        return nullptr;
+    }
 
     // The block of the slot that is next to write, whether or not it is free.
     unsigned char* ForOverWrite() { return *WriteSlot(); }
@@ -191,6 +240,9 @@ public:
     }
 
 private:
+    friend class ChainLink;
+    friend class CountsAccess;
+
     using Size = std::atomic<std::size_t>;
 
     // Each index has a cache line of its own, so that the two sides disturb each other only where they must.
@@ -211,6 +263,17 @@ private:
         std::size_t const old = slotSize.load(std::memory_order_relaxed);
         slotSize.store(*size, std::memory_order_relaxed);
         *size = old;
+    }
+
+    // The reader's side: between the two indices stand all buffers there are at this moment.
+    void CountFill(int begin, int end) {
+        highestFill.RaiseTo(
+            static_cast<std::uint64_t>(end < begin ? end - begin + bufferCount : end - begin));
+    }
+
+    void CountEmpty() {
+        if (endReadNotify == nullptr)
+            foundEmpty.Add();
     }
 
     // Not configured gives 0, so that such a ring counts as full.
@@ -244,13 +307,20 @@ private:
 
     // Beside each private index stands what its side last saw of the other's published one; it is looked up
     // again only when the ring seems empty or full. While an end-of-read semaphore is set several readers
-    // would write the reader's copy, so it is not used then.
+    // would write the reader's copy, so it is not used then. Behind these stands what the side counts, so
+    // that counting touches no line that it does not own.
     [[maybe_unused]] Apart apart1;
     std::atomic<int> readIndex{0};
     int knownWriteIndex = 0;
+    Tally foundEmpty;
+    Tally highestFill;
+    Tally pulls; // at the link that owns the ring, but for those that a semaphore counts
     [[maybe_unused]] Apart apart2;
     std::atomic<int> writeIndex{0};
     int knownReadIndex = 0;
+    Tally foundFull;
+    Tally pushes;    // at the link behind the ring, likewise
+    Tally processed; // calls of `Process` of the link that owns the ring
     [[maybe_unused]] Apart apart3;
     std::atomic<int> publishedReadIndex{0};
     [[maybe_unused]] Apart apart4;
