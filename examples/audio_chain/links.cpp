@@ -59,7 +59,7 @@ void BandArray::AfterParallelLinks() {
     AudioBlock const result(GetBuffers().ForOverWrite());
     std::array<std::span<double const>, bandCount> parts;
     for (std::size_t i = 0; i < bandCount; ++i) {
-        AudioBlock const part(bands[i]->GetBuffers().ForPeekRead());
+        AudioBlock const part(*bands[i]->GetBuffers().BeginRead());
         result.SetShape(part);
         parts[i] = part.Samples();
     }

@@ -22,9 +22,8 @@ QMT_UTILU_API String NameOf(LinkKind kind);
 //
 // Pushes and pulls that have reached a link with a thread are on its semaphore until the link takes them up,
 // and then belong to `pushes` or `pulls`, also when a stop drops them; the link has got all three together.
-// Each one taken up is worth one `Process`. Where nothing comes of them, as of a pull at a push link, they
-// are counted as they come, but for pulls of parallel links, which are not counted then, and pushes at a link
-// without a predecessor.
+// Where nothing comes of them, as of a pull at a push link, they are counted as they come, but for pulls of
+// parallel links, which are not counted then, and pushes at a link without a predecessor.
 struct LinkCounts {
     String name;      // the trace name, may be empty
     int position = 0; // in the chain: 1 at the writer's end; parallel links and their array share one
@@ -43,7 +42,7 @@ struct LinkCounts {
 
 // The counts of the link, of all links in front of it and behind it, and of the parallel links of every array
 // among them, in the order of positions and parties. What is joined one way, or parallel, is found from
-// behind or from the array, and not from in front: ask the reader's end to see all.
+// behind or from the array, and not from in front: the reader's end sees all.
 //
 // From any thread, at any time at which links are neither joined, configured, named nor destroyed. Each value
 // is one that its count has had, but not all need be of one moment. Allocates; the chain notices nothing.

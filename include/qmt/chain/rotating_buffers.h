@@ -115,11 +115,14 @@ public:
         int const index = readIndex.load(std::memory_order_relaxed);
         if (endReadNotify != nullptr)
             return index != publishedWriteIndex.load(std::memory_order_acquire);
-        if (index == knownWriteIndex) {
-            knownWriteIndex = publishedWriteIndex.load(std::memory_order_acquire);
-            CountFill(index, knownWriteIndex);
-        }
-        return index != knownWriteIndex;
+        if (index != knownWriteIndex)
+            return true;
+        int const end = publishedWriteIndex.load(std::memory_order_acquire);
+        knownWriteIndex = end;
+        if (index == end)
+            return false;
+        CountFill(index, end);
+        return true;
     }
 
     // The same for the thread that coordinates readers which share the ring, and counted, as what those find
@@ -267,8 +270,8 @@ private:
 
     // The reader's side: between the two indices stand all buffers there are at this moment.
     void CountFill(int begin, int end) {
-        highestFill.RaiseTo(
-            static_cast<std::uint64_t>(end < begin ? end - begin + bufferCount : end - begin));
+        int const held = end - begin;
+        highestFill.RaiseTo(static_cast<std::uint64_t>(held < 0 ? held + bufferCount : held));
     }
 
     void CountEmpty() {
@@ -312,8 +315,8 @@ private:
     [[maybe_unused]] Apart apart1;
     std::atomic<int> readIndex{0};
     int knownWriteIndex = 0;
-    Tally foundEmpty;
     Tally highestFill;
+    Tally foundEmpty;
     Tally pulls; // at the link that owns the ring, but for those that a semaphore counts
     [[maybe_unused]] Apart apart2;
     std::atomic<int> writeIndex{0};

@@ -18,7 +18,7 @@ public:
 
     // The one thread.
     void RaiseTo(std::uint64_t atLeast) {
-        if (atLeast > value.load(std::memory_order_relaxed))
+        if (atLeast > value.load(std::memory_order_relaxed)) [[unlikely]]
             value.store(atLeast, std::memory_order_relaxed);
     }
 
