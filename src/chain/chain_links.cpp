@@ -43,11 +43,6 @@ void ChainLink::PullProcess() {
         buffers.pulls.Add();
 }
 
-void ChainLink::DoProcess() {
-    buffers.processed.Add();
-    Process();
-}
-
 void ChainLink::SetTraceName(String name) {
     buffers.SetTraceName(name);
     traceName = std::move(name);

@@ -99,7 +99,10 @@ private:
     friend class InternalPullLink;
 
     // Runs `Process`, and counts it.
-    void DoProcess();
+    void DoProcess() {
+        buffers.processed.Add();
+        Process();
+    }
 
     RotatingFixedBuffers buffers;
     String traceName;
