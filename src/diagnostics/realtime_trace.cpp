@@ -1,0 +1,105 @@
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+#include "qmt/diagnostics/realtime_report.h"
+
+namespace QMT {
+
+RealTimeTrace::RealTimeTrace(String text, int value)
+    : traceText(std::move(text)), traceValue(value), tracePointer(nullptr) {}
+
+RealTimeTrace::RealTimeTrace(void* pointer, String text)
+    : traceText(std::move(text)), traceValue(NoTraceValue), tracePointer(pointer) {}
+
+RealTimeTrace::~RealTimeTrace() = default;
+
+namespace {
+
+unsigned int Low32Bits(void* pointer) {
+    return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pointer));
+}
+
+} // namespace
+
+void RealTimeTrace::WriteItem(FormatableTextFile& file) {
+    file << u"(" << leadzero << width(8) << addTime - firstAddTime << u") " << traceText;
+    if (tracePointer)
+        file << u" " << hex(8) << Low32Bits(tracePointer);
+    else if (HasValue())
+        file << u" " << traceValue;
+    file << newline;
+}
+
+void RealTimeTrace::DescribeEvent(ReportEvent& event) {
+    event.SetName(traceText);
+    if (tracePointer)
+        event.AddText(u"pointer", String() << hex(0) << Low32Bits(tracePointer));
+    else if (HasValue())
+        event.AddNumber(u"value", traceValue);
+}
+
+// ---- the free functions
+
+namespace {
+
+// Builds the text of a dump: each step through the data reads a whole Sample, which append(text, sample)
+// adds.
+template <class Sample, class Append>
+void AppendDump(String& text, unsigned char const* data, std::size_t size, Append append) {
+    constexpr std::size_t unitsForByte = 4;
+    text.SetBufferIncrementSize(unitsForByte * size);
+    text << u", Buffer size: " << static_cast<int>(size) << u" ";
+    for (std::size_t offset = 0; offset < size; offset += sizeof(Sample)) {
+        Sample sample;
+        std::memcpy(&sample, data + offset, sizeof sample);
+        append(text, sample);
+        text << u",";
+    }
+}
+
+template <class Sample, class Append>
+void TraceAudio(String text, unsigned char const* data, std::size_t size, Append append) {
+    AppendDump<Sample>(text, data, size, append);
+    text << u"[END]";
+    REALTIMETRACE(std::move(text), NoTraceValue);
+}
+
+void AppendScaled(String& text, float sample) {
+    constexpr double beyond64Bits = 9223372036854775808.0;
+    double const scaled = static_cast<double>(sample) * 32768.0;
+    std::int64_t const whole = std::abs(scaled) < beyond64Bits ? static_cast<std::int64_t>(scaled) : 0;
+    text << leadzero << hex(2) << static_cast<std::uint32_t>(whole);
+}
+
+} // namespace
+
+void REALTIMETRACE(String text, int value) {
+    RealTimeReport::AddReport(new RealTimeTrace(std::move(text), value));
+}
+
+void REALTIMETRACE(void* pointer, String text) {
+    RealTimeReport::AddReport(new RealTimeTrace(pointer, std::move(text)));
+}
+
+void REALTIMETRACE(String text, unsigned char* data, size_t size) {
+    AppendDump<unsigned char>(text, data, size,
+                              [](String& dump, unsigned int byte) { dump << hex(2) << byte; });
+    REALTIMETRACE(std::move(text), NoTraceValue);
+}
+
+void REALTIMETRACE_AUDIOFLOAT(String text, unsigned char* data, size_t size) {
+    TraceAudio<float>(std::move(text), data, size,
+                      [](String& dump, float sample) { dump << static_cast<double>(sample); });
+}
+
+void REALTIMETRACE_AUDIOSHORT(String text, unsigned char* data, size_t size) {
+    TraceAudio<std::int16_t>(std::move(text), data, size, [](String& dump, int sample) { dump << sample; });
+}
+
+void REALTIMETRACE_AUDIOFLOAT_AS_SHORT(String text, unsigned char* data, size_t size) {
+    TraceAudio<float>(std::move(text), data, size, AppendScaled);
+}
+
+} // namespace QMT
