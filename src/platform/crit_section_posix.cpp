@@ -4,9 +4,15 @@
 
 #include <cassert>
 
+#include "platform/waiting.h"
+
 namespace QMT::platform {
 
 namespace {
+
+// Most sections are left within less time than going to sleep takes. With one processor nobody leaves while
+// this thread looks.
+int const looksBeforeSleep = ProcessorCount() > 1 ? 100 : 1;
 
 class PosixMutex final : public RecursiveMutex {
 public:
@@ -27,6 +33,11 @@ public:
     ~PosixMutex() override { pthread_mutex_destroy(&mutex); }
 
     void Enter() override {
+        for (int looks = 0; looks < looksBeforeSleep; ++looks) {
+            if (pthread_mutex_trylock(&mutex) == 0)
+                return;
+            RelaxProcessor();
+        }
         [[maybe_unused]] int const result = pthread_mutex_lock(&mutex);
         assert(result == 0);
     }
