@@ -3,10 +3,11 @@
 #include <utility>
 
 #include "diagnostics/report_files.h"
+#include "diagnostics/report_state.h"
 #include "diagnostics/report_threads.h"
+#include "diagnostics/stamp_clock.h"
 #include "general/never_destroyed.h"
 #include "qmt/general/events.h"
-#include "qmt/helpers/system.h"
 
 namespace QMT {
 
@@ -16,7 +17,8 @@ using Entries = SVArray<RealTimeReport*, RealTimeReport*>;
 
 NeverDestroyed<CritSection> reportSection("RealTimeReport :: reportSection");
 NeverDestroyed<Entries> entries;
-NeverDestroyed<ReportThreads> threads; // under the section
+NeverDestroyed<ReportThreads> threads; // this and the clock under the section
+NeverDestroyed<StampClock> stampClock;
 
 std::unique_ptr<ErrorInfo> NewError(CodeUnit const* text) {
     return std::unique_ptr<ErrorInfo>(MakeError(text));
@@ -24,9 +26,8 @@ std::unique_ptr<ErrorInfo> NewError(CodeUnit const* text) {
 
 } // namespace
 
-constinit std::atomic<bool> RealTimeReport::reportingOn{false};
-constinit std::atomic<bool> RealTimeReport::reportWritten{false};
-constinit std::atomic<std::uint64_t> RealTimeReport::refused{0};
+constinit ReportState reportState;
+
 constinit unsigned int RealTimeReport::firstAddTime = 0;
 Entries& RealTimeReport::reportItems = *entries;
 
@@ -35,34 +36,26 @@ RealTimeReport::~RealTimeReport() = default;
 void RealTimeReport::DescribeEvent(ReportEvent&) {}
 
 void RealTimeReport::TurnReportIngOn() {
-    refused = 0;
-    reportingOn = true;
-    reportWritten = false;
-}
-
-bool RealTimeReport::IsGathering() {
-    return reportingOn.load(std::memory_order_acquire) && !reportWritten.load(std::memory_order_acquire);
-}
-
-void RealTimeReport::Refuse() {
-    refused.fetch_add(1, std::memory_order_relaxed);
+    reportState.refused = 0;
+    reportState.reportingOn = true;
+    reportState.reportWritten = false;
 }
 
 std::uint64_t RealTimeReport::RefusedCount() {
-    return refused.load(std::memory_order_relaxed);
+    return reportState.refused;
 }
 
 // A report that is being written holds the section for long, so nobody waits for it who is refused anyway.
 void RealTimeReport::AddReport(RealTimeReport* item) {
     std::unique_ptr<RealTimeReport> owned(item); // deleted behind the section
-    if (!IsGathering())
-        return Refuse();
+    if (!reportState.IsGathering())
+        return reportState.Refuse();
     CritSectionLock const lock(&*reportSection);
-    if (!IsGathering())
-        return Refuse();
+    if (!reportState.IsGathering())
+        return reportState.Refuse();
     item->addThread = threads->NumberOfThisThread();
-    item->addTime = GetMillisecsCount();
-    reportItems.Add(item);
+    item->addTime = stampClock->Milliseconds();
+    entries->Add(item);
     static_cast<void>(owned.release()); // the report's now
 }
 
@@ -78,9 +71,9 @@ ErrorInfo* RealTimeReport::WriteReportFiles(String reportPath, String eventsPath
 
 std::unique_ptr<ErrorInfo> RealTimeReport::Write(ReportFiles& files) {
     CritSectionLock const lock(&*reportSection);
-    if (!IsGathering())
+    if (!reportState.IsGathering())
         return NewError(u"The real-time report isn't turned on, or is written already");
-    reportWritten = true;
+    reportState.reportWritten = true;
     if (reportItems.Size() == 0)
         return NewError(u"The real-time report has no entries");
     firstAddTime = reportItems[0]->addTime;

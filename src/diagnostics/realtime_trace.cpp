@@ -1,8 +1,12 @@
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <utility>
 
+#include "diagnostics/entry_memory.h"
+#include "diagnostics/report_state.h"
 #include "qmt/diagnostics/realtime_report.h"
 
 namespace QMT {
@@ -14,6 +18,17 @@ RealTimeTrace::RealTimeTrace(void* pointer, String text)
     : traceText(std::move(text)), traceValue(NoTraceValue), tracePointer(pointer) {}
 
 RealTimeTrace::~RealTimeTrace() = default;
+
+void* RealTimeTrace::operator new(std::size_t bytes) {
+    return bytes <= EntryMemory::largestPiece ? EntryMemory::Allocate(bytes) : ::operator new(bytes);
+}
+
+void RealTimeTrace::operator delete(void* memory, std::size_t bytes) noexcept {
+    if (bytes <= EntryMemory::largestPiece)
+        EntryMemory::Free(memory);
+    else
+        ::operator delete(memory);
+}
 
 namespace {
 
@@ -38,6 +53,38 @@ void RealTimeTrace::DescribeEvent(ReportEvent& event) {
         event.AddText(u"pointer", String() << hex(0) << Low32Bits(tracePointer));
     else if (HasValue())
         event.AddNumber(u"value", traceValue);
+}
+
+// A trace whose text stands behind it in the same piece of memory until it is written.
+class ShortTrace final : public RealTimeTrace {
+public:
+    static constexpr std::size_t mostUnits = 65; // with the terminator
+
+    static ShortTrace* Make(CodeUnit const* text, std::size_t units, int value) {
+        void* const memory = EntryMemory::Allocate(sizeof(ShortTrace) + units * sizeof(CodeUnit));
+        auto* const trace = ::new (memory) ShortTrace(value);
+        std::copy_n(text, units, trace->Text());
+        return trace;
+    }
+
+    void WriteItem(FormatableTextFile& file) override {
+        traceText = String(Text());
+        RealTimeTrace::WriteItem(file);
+    }
+
+private:
+    explicit ShortTrace(int value) : RealTimeTrace(String(), value) {}
+
+    CodeUnit* Text() { return reinterpret_cast<CodeUnit*>(this + 1); }
+};
+
+void RealTimeTrace::AddLiteral(CodeUnit const* text, std::size_t size, int value) {
+    if (!reportState.IsGathering())
+        reportState.Refuse();
+    else if (size > ShortTrace::mostUnits)
+        RealTimeReport::AddReport(new RealTimeTrace(text, value));
+    else
+        RealTimeReport::AddReport(ShortTrace::Make(text, size, value));
 }
 
 // ---- the free functions

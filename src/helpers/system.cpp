@@ -112,9 +112,13 @@ bool StartMillisecsCount() {
     return true;
 }
 
-unsigned int GetMillisecsCount() {
+std::int64_t ElapsedTicks() {
     std::int64_t const start = clockStart.load();
-    return start == notStarted ? 0 : MillisecondsOf(CounterNow() - start);
+    return start == notStarted ? 0 : CounterNow() - start;
+}
+
+unsigned int GetMillisecsCount() {
+    return MillisecondsOf(ElapsedTicks());
 }
 
 bool Interruptable_MS_Sleep(unsigned int milliseconds, void* context, bool (*stop)(void*)) {

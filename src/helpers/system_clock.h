@@ -9,6 +9,9 @@ namespace QMT {
 // years.
 inline constexpr std::int64_t ticksPerSecond = 10'000'000;
 
+// Ticks since the clock was started, 0 before that.
+std::int64_t ElapsedTicks();
+
 // The clock's reading so many ticks behind its start: it loses one at each wrap of the 32 bits.
 constexpr unsigned int MillisecondsOf(std::int64_t elapsedTicks) {
     auto const milliseconds = static_cast<std::uint64_t>(elapsedTicks * 1000 / ticksPerSecond);

@@ -41,6 +41,8 @@ public:
         std::exchange(action, nullptr)(file);
     }
 
+    unsigned int Time() const { return addTime; }
+
     static inline unsigned int lastTime = 0;
     static inline int outOfOrder = 0;
 
@@ -213,6 +215,18 @@ TEST_F(RealTimeReportTest, WritesEventsForAViewer) {
 )");
     EXPECT_EQ(Content("report").substr(Content("report").size() - 18), "(10000000) none\na\n");
     EXPECT_NE(TakeError(Report::WriteReportFiles(report, report)), u"");
+}
+
+TEST_F(RealTimeReportTest, StampsWithTheClocksReading) {
+    for (unsigned int const start = GetMillisecsCount(); GetMillisecsCount() - start < 5;) {
+        auto* const entry = new Entry(nullptr);
+        unsigned int const before = GetMillisecsCount();
+        Report::AddReport(entry);
+        EXPECT_LE(before, entry->Time());
+        EXPECT_LE(entry->Time(), GetMillisecsCount());
+        delete entry;
+        Report::reportItems.RemoveAll();
+    }
 }
 
 TEST_F(RealTimeReportTest, RefusesWithoutWaitingForTheFile) {

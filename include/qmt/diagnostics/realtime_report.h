@@ -2,7 +2,6 @@
 // afterwards.
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -17,6 +16,7 @@
 namespace QMT {
 
 class ReportFiles;
+class ShortTrace;
 
 // What a trace viewer shows of an entry: a name, and details behind it. For one thread at a time.
 class QMT_UTILU_API ReportEvent {
@@ -111,14 +111,8 @@ protected:
 private:
     friend class ReportFiles;
 
-    static bool IsGathering();
-    static void Refuse();
     static std::unique_ptr<ErrorInfo> Write(ReportFiles& files);
     static std::vector<std::unique_ptr<RealTimeReport>> TakeEntries();
-
-    static std::atomic<bool> reportingOn;
-    static std::atomic<bool> reportWritten;
-    static std::atomic<std::uint64_t> refused;
 
     unsigned int addThread = 0; // by order of their first entries, from 1
 };
@@ -137,10 +131,21 @@ public:
     RealTimeTrace(void* pointer, String text);
 
     ~RealTimeTrace() override;
+
+    // Traces lie close together in memory of the library's own, which threads fill in turn without a call of
+    // the heap.
+    static void* operator new(std::size_t bytes);
+    static void operator delete(void* memory, std::size_t bytes) noexcept;
+
     void WriteItem(FormatableTextFile& file) override;
     void DescribeEvent(ReportEvent& event) override;
 
+    // Adds a trace of the zero-terminated text in an array of `size` units, like `AddReport`.
+    static void AddLiteral(CodeUnit const* text, std::size_t size, int value);
+
 private:
+    friend class ShortTrace;
+
     bool HasValue() const { return tracePointer == nullptr && traceValue != NoTraceValue; }
 
     String traceText;
@@ -151,6 +156,12 @@ private:
 // Add a `RealTimeTrace` to the report, as `AddReport` does, and allocate for it.
 QMT_UTILU_API void REALTIMETRACE(String text, int value);
 QMT_UTILU_API void REALTIMETRACE(void* pointer, String text);
+
+// The first for a literal, which is copied: one of up to 64 units costs no call of the heap.
+template <std::size_t size>
+void REALTIMETRACE(CodeUnit const (&text)[size], int value) {
+    RealTimeTrace::AddLiteral(text, size, value);
+}
 
 // Add a trace of the text with `size` bytes at `data` as text behind it: ", Buffer size: ", the size, a
 // blank, and each element with a comma behind it. All of them are formatted, before the report's section is
