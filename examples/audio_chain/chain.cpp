@@ -7,10 +7,11 @@ namespace Audio {
 AudioChain::AudioChain(ChainSettings const& settings)
     : blockSamples(settings.blockFrames * settings.channels),
       gain(settings.gain),
-      low(BandFilter(LowPass(settings.lowEdge, settings.sampleRate, settings.channels), std::nullopt)),
-      middle(BandFilter(LowPass(settings.highEdge, settings.sampleRate, settings.channels),
-                        LowPass(settings.lowEdge, settings.sampleRate, settings.channels))),
-      high(BandFilter(std::nullopt, LowPass(settings.highEdge, settings.sampleRate, settings.channels))),
+      low(ofLow, BandFilter(LowPass(settings.lowEdge, settings.sampleRate, settings.channels), std::nullopt)),
+      middle(ofMiddle, BandFilter(LowPass(settings.highEdge, settings.sampleRate, settings.channels),
+                                  LowPass(settings.lowEdge, settings.sampleRate, settings.channels))),
+      high(ofHigh,
+           BandFilter(std::nullopt, LowPass(settings.highEdge, settings.sampleRate, settings.channels))),
       bands({&low, &middle, &high}, settings.bandGains) {
     QMT::ChainLink::SetThreadPoolToUse(&pool);
     ConfigureRings(static_cast<int>(settings.buffers) + 1); // one slot of a ring is never in use

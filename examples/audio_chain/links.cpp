@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "qmt/diagnostics/realtime_report.h"
+
 namespace Audio {
 
 // [start]
@@ -14,8 +16,11 @@ void BlockStage::Process() {
     unsigned char** const to = GetBuffers().BeginWrite();
     if (to == nullptr) {
         ++fullRings;
+        QMT::REALTIMETRACE(u"full ring behind stage", number);
         return;
     }
+    if (std::exchange(isFirst, false))
+        QMT::REALTIMETRACE(u"first block at stage", number);
     Turn(from, to);
     input.EndRead();
     GetBuffers().EndWrite();
@@ -50,8 +55,13 @@ void BandArray::AddBands() {
 
 void BandArray::Process() {
     if (GetPreceeding()->GetBuffers().TestRead() && !GetBuffers().TestWrite())
-        ++fullRings;
+        CountFullRing();
     ParallelPushLinkArray::Process();
+}
+
+void BandArray::CountFullRing() {
+    ++fullRings;
+    QMT::REALTIMETRACE(u"full ring behind stage", StageNumber::ofBands);
 }
 
 // There is room for the result, and each band has a block: the array has seen to both.

@@ -29,11 +29,16 @@ class Sink : public QMT::ExternalPullLink {
     void Process() override {}
 };
 
+// What the trace of a run calls the stages.
+enum StageNumber { ofGain = 1, ofLow, ofMiddle, ofHigh, ofBands, ofMeter };
+
 // A stage that makes one block out of one. A derived class supplies `Turn`.
 //
 // A block for which there is no room stays where it is, so that nothing is lost, and waits for another push.
 class BlockStage : public QMT::InternalPushLink {
 public:
+    explicit BlockStage(StageNumber stageNumber) : number(stageNumber) {}
+
     // How often a block found this stage's ring full. For a time when the chain does not run.
     std::uint64_t FullRings() const { return fullRings; }
 
@@ -44,13 +49,15 @@ private:
     // shared by several stages must be left as it is.
     virtual void Turn(unsigned char** from, unsigned char** to) = 0;
 
+    StageNumber number;
+    bool isFirst = true;
     std::uint64_t fullRings = 0;
 };
 
 // Multiplies everything by a factor.
 class GainStage : public BlockStage {
 public:
-    explicit GainStage(double gainFactor) : factor(gainFactor) {}
+    explicit GainStage(double gainFactor) : BlockStage(ofGain), factor(gainFactor) {}
 
 private:
     void Turn(unsigned char** from, unsigned char** to) override;
@@ -61,7 +68,8 @@ private:
 // Lets one band through; a party of a `BandArray`.
 class BandStage : public BlockStage {
 public:
-    explicit BandStage(BandFilter bandFilter) : filter(std::move(bandFilter)) {}
+    BandStage(StageNumber stageNumber, BandFilter bandFilter)
+        : BlockStage(stageNumber), filter(std::move(bandFilter)) {}
 
 private:
     void Turn(unsigned char** from, unsigned char** to) override;
@@ -72,6 +80,8 @@ private:
 // Measures what passes, and hands the blocks themselves on without copying them.
 class MeterStage : public BlockStage {
 public:
+    MeterStage() : BlockStage(ofMeter) {}
+
     // For a time when the chain does not run.
     LevelMeter const& Level() const { return meter; }
 
@@ -99,6 +109,7 @@ public:
 private:
     void Process() override;
     void AfterParallelLinks() override;
+    void CountFullRing();
 
     void BeforeEndWrite() override {}
 

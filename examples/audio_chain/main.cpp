@@ -11,6 +11,7 @@
 #include "recording_writer.h"
 #include "result_table.h"
 #include "system.h"
+#include "trace.h"
 #include "transfer.h"
 
 namespace Audio {
@@ -68,6 +69,13 @@ int ReportingFailures(Options const& options) {
     }
 }
 
+// The trace is written after a failure, too, and tells how far the run came.
+int Traced(Options const& options) {
+    StartTrace();
+    int const status = ReportingFailures(options);
+    return WriteTrace(options.trace) || status != Success ? status : Failed;
+}
+
 } // namespace
 
 } // namespace Audio
@@ -86,5 +94,5 @@ int main(int argumentCount, char** arguments) {
         return Audio::Success;
     }
     Audio::StartErrorLog(options.logDirectory);
-    return Audio::ReportingFailures(options);
+    return options.trace.empty() ? Audio::ReportingFailures(options) : Audio::Traced(options);
 }

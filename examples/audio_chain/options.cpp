@@ -70,6 +70,8 @@ std::span<Option const> KnownOptions() {
          [](Options& o, Value v) { o.buffers = ParseCount(v, 64); }},
         {"--log", "dir", "directory of the error log (~/.local/state/audio_chain)",
          [](Options& o, Value v) { o.logDirectory = v; }},
+        {"--trace", "name", "writes what happened when to name.txt and, for viewers, name.json",
+         [](Options& o, Value v) { o.trace = v; }},
     };
     return options;
 }

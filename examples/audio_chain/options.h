@@ -14,6 +14,7 @@ struct Options {
     std::filesystem::path input;
     std::filesystem::path output;
     std::filesystem::path logDirectory;
+    std::filesystem::path trace; // its files without their endings; empty for none
     double gain = 0;
     std::array<double, 3> bandGains{0, 0, 0}; // low, middle, high
     double lowEdge = 250;

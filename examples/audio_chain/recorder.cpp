@@ -1,9 +1,11 @@
 #include "recorder.h"
 
 #include <memory>
+#include <utility>
 
 #include "error_report.h"
 #include "failure.h"
+#include "qmt/diagnostics/realtime_report.h"
 
 namespace Audio {
 
@@ -61,6 +63,10 @@ bool Recorder::RecordBlock() {
     if (!block)
         return false;
     bool const last = block->IsLast();
+    if (std::exchange(isFirst, false))
+        QMT::REALTIMETRACE(u"first block recorded", QMT::NoTraceValue);
+    if (last)
+        QMT::REALTIMETRACE(u"last block recorded", QMT::NoTraceValue);
     output.Write(block->Samples());
     chain.EndRead();
     roomMade.Signal();

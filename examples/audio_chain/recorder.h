@@ -52,6 +52,7 @@ private:
     QMT::SVArray<QMT::Event*, QMT::Event*> endedOnly;
     std::exception_ptr failure;
     bool started = false;
+    bool isFirst = true;
 };
 
 } // namespace Audio

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "failure.h"
+#include "qmt/diagnostics/realtime_report.h"
 #include "system.h"
 
 namespace Audio {
@@ -21,10 +22,12 @@ Transfer::Transfer(RecordingReader& inputRecording, RecordingWriter& outputRecor
 
 TransferFigures Transfer::Run() {
     auto const start = std::chrono::steady_clock::now();
+    QMT::REALTIMETRACE(u"begin, samples in a block", static_cast<int>(chain.BlockSamples()));
     recorder.Start();
     SendEverything();
     PushUntilRecorded();
     chain.Stop();
+    QMT::REALTIMETRACE(u"end, frames", static_cast<int>(framesIn));
     std::chrono::duration<double> const duration = std::chrono::steady_clock::now() - start;
     return Figures(duration.count());
 }
@@ -43,8 +46,10 @@ void Transfer::SendEverything() {
 // [start]
 AudioBlock Transfer::WaitForRoom() {
     std::optional<AudioBlock> block = chain.BeginWrite();
-    if (!block)
+    if (!block) {
         ++sourceFull;
+        QMT::REALTIMETRACE(u"full ring behind the source", QMT::NoTraceValue);
+    }
     while (!block) {
         if (WaitForRecorder())
             recorder.ThrowFailure();

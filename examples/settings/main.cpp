@@ -1,5 +1,5 @@
 // Starts as an application does: reads its settings, starts the library's services with them, and lists what
-// is stored.
+// is stored. What took how long stands in report.txt behind that.
 //
 //     settings files|registry DIRECTORY [SECTION ENTRY VALUE]
 //
@@ -14,6 +14,7 @@
 #include "qmt/config/app_config.h"
 #include "qmt/config/file_tree_config.h"
 #include "qmt/diagnostics/error_log.h"
+#include "qmt/diagnostics/realtime_report.h"
 #include "qmt/general/files.h"
 #include "qmt/helpers/countries.h"
 #include "qmt/helpers/system.h"
@@ -86,8 +87,12 @@ int Start(Store& store, String const& directory, char** setting) {
     Options options;
     ReadOptions(store, options, Report);
     StartServices(options, directory);
+    QMT::REALTIMETRACE(u"started, minutes in a slot", options.minutesPerSlot);
     Greet(options);
+    QMT::REALTIMETRACE(u"greeted", QMT::NoTraceValue);
     List(store);
+    QMT::REALTIMETRACE(u"listed", QMT::NoTraceValue);
+    EndServices(directory);
     return EXIT_SUCCESS;
 }
 

@@ -1,6 +1,8 @@
 #include "start_up.h"
 
 #include "qmt/diagnostics/error_log.h"
+#include "qmt/diagnostics/realtime_report.h"
+#include "qmt/general/files.h"
 #include "qmt/helpers/countries.h"
 #include "qmt/helpers/system.h"
 #include "qmt/html/native_strings.h"
@@ -55,4 +57,10 @@ void StartServices(Options const& options, String const& directory) {
     }
     QMT::MakeCountries(nameOfCode, codeOfName); // with the names translated
     QMT::StartMillisecsCount();
+    QMT::RealTimeReport::TurnReportIngOn();
+}
+
+void EndServices(String const& directory) {
+    QMT::RealTimeReport::WriteReport(directory + QMT::BaseFile::GetDirSeparator() + u"report.txt");
+    QMT::PortableTime::Terminate();
 }

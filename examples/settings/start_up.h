@@ -25,3 +25,7 @@ void ReadOptions(QMT::ConfigBase& settings, Options& options, Report report);
 // Starts the library's services with the options, in the order in which they rest on each other; the error
 // log, in the directory, is there before anything that can fail.
 void StartServices(Options const& options, QMT::String const& directory);
+
+// Ends them, also in order. The real-time report goes to report.txt in the directory; a failure of that is
+// nobody's.
+void EndServices(QMT::String const& directory);

@@ -160,6 +160,20 @@ TEST_F(AudioChainTest, ClippedAndUnusableSamplesAreCounted) {
         EXPECT_NEAR(output.samples[i], (std::array{0.5, 0.0, 0.0, -0.25}[i]), 1e-6);
 }
 
+TEST_F(AudioChainTest, TraceTellsTheRunInBothForms) {
+    WriteNoise("in", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 2, 30000);
+    std::string const said = Run("$run in out --trace trace && python3 -m json.tool trace.json");
+    EXPECT_TRUE(Contains(said, "\nstatus 0") && Contains(said, "\"name\": \"recorder\"")) << said;
+    std::string const trace = TextOf("trace.txt");
+    EXPECT_TRUE(trace.starts_with("(00000000) started\n")) << trace;
+    for (char const* const text :
+         {"first block at stage 1", "first block at stage 6", "first block recorded", "end, frames 30000"})
+        EXPECT_TRUE(Contains(trace, text) && Contains(said, std::string(text).substr(0, 10))) << trace;
+    EXPECT_TRUE(Contains(Run("$run in out --trace no/where >&-"), "the trace 'no/where'\nstatus 1\n"));
+    EXPECT_TRUE(Contains(Run("$run missing out --trace early"), "status 1"));
+    EXPECT_EQ(TextOf("early.txt"), "(00000000) started\n");
+}
+
 TEST_F(AudioChainTest, FailuresAreToldAndLeaveNoOutput) {
     WriteNoise("in", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 2, 100000);
     std::ofstream(PathOf("text")) << "This is no recording.";
