@@ -56,7 +56,15 @@ def event_rows():
                 yield f"Event/{what}/Qmt", f"Event/{what}/{peer}", field, None
 
 
-ROWS = [*ring_rows(), *chain_rows(), *parallel_rows(), *latency_rows(), *event_rows()]
+def trace_rows():
+    for threads in (1, 2):
+        for ours in ("Qmt", "QmtShortText"):
+            yield f"Trace/{ours}/threads:{threads}", f"Trace/SpdlogRing/threads:{threads}", TIME, 3
+        for peer in ("SpdlogNull", "SpdlogAsync"):
+            yield f"Trace/Qmt/threads:{threads}", f"Trace/{peer}/threads:{threads}", TIME, None
+
+
+ROWS = [*ring_rows(), *chain_rows(), *parallel_rows(), *latency_rows(), *event_rows(), *trace_rows()]
 
 
 def plain_name(result):

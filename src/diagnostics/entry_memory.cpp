@@ -53,11 +53,12 @@ public:
             GiveBack(full, filling - full->handedOut);
     }
 
-    static thread_local constinit Chunk* current;
+    [[gnu::tls_model("initial-exec")]] static thread_local constinit Chunk* current; // found without a call
     static thread_local constinit bool hasEnded;
 };
 
-thread_local constinit EntryMemory::Chunk* EntryMemory::ThreadsChunk::current = nullptr;
+[[gnu::tls_model(
+    "initial-exec")]] thread_local constinit EntryMemory::Chunk* EntryMemory::ThreadsChunk::current = nullptr;
 thread_local constinit bool EntryMemory::ThreadsChunk::hasEnded = false;
 
 EntryMemory::Chunk* EntryMemory::NewChunk() {

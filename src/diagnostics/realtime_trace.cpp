@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    explicit ShortTrace(int value) : RealTimeTrace(String(), value) {}
+    explicit ShortTrace(int value) : RealTimeTrace(value) {}
 
     CodeUnit* Text() { return reinterpret_cast<CodeUnit*>(this + 1); }
 };

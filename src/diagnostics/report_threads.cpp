@@ -4,7 +4,8 @@
 
 namespace QMT {
 
-thread_local constinit ReportThreads::Known ReportThreads::thisThread{0, 0};
+[[gnu::tls_model("initial-exec")]] thread_local constinit ReportThreads::Known ReportThreads::thisThread{0,
+                                                                                                         0};
 
 unsigned int ReportThreads::Add() {
     names.Add(String(platform::CurrentThreadName()));

@@ -27,7 +27,8 @@ private:
 
     unsigned int Add();
 
-    static thread_local constinit Known thisThread;
+    // Found without a call: there are few such variables, so that room for them is always left.
+    [[gnu::tls_model("initial-exec")]] static thread_local constinit Known thisThread;
 
     unsigned int round = 1;
     NonSortableVArray<String> names;

@@ -5,7 +5,8 @@
 
 namespace QMT::platform {
 
-// `Enter` blocks until this thread owns the mutex; the owner may enter again, and leaves as often.
+// `Enter` blocks until this thread owns the mutex, and may look for some microseconds before it sleeps; the
+// owner may enter again, and leaves as often.
 //
 // The owner inherits the priority of those who wait, where the system offers that. POSIX: by the mutex's
 // protocol. Windows: a critical section, whose starved owner the scheduler boosts in its own time.

@@ -146,6 +146,8 @@ public:
 private:
     friend class ShortTrace;
 
+    explicit RealTimeTrace(int value) : traceValue(value), tracePointer(nullptr) {}
+
     bool HasValue() const { return tracePointer == nullptr && traceValue != NoTraceValue; }
 
     String traceText;
