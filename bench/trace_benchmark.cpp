@@ -52,6 +52,13 @@ public:
     int EndRound() { return -1; }
 };
 
+class StringText : public Report {
+public:
+    using Report::Report;
+
+    void Trace(int number) { QMT::REALTIMETRACE(QMT::String(u"block written"), number); }
+};
+
 class ShortText : public Report {
 public:
     using Report::Report;
@@ -130,10 +137,18 @@ public:
         gate.arrive_and_wait();
         gate.arrive_and_wait();
         Span whole = spans[0];
-        for (Span const& span : spans)
+        Span common = spans[0];
+        for (Span const& span : spans) {
             whole = {std::min(whole.begin, span.begin), std::max(whole.end, span.end)};
+            common = {std::max(common.begin, span.begin), std::min(common.end, span.end)};
+        }
+        all += whole.end - whole.begin;
+        together += std::max(common.end - common.begin, Clock::duration::zero());
         return whole.end - whole.begin;
     }
+
+    // In what share of the time all threads were at it: the system may have run them one after the other.
+    double ShareTogether() const { return bench::Seconds(together) / bench::Seconds(all); }
 
 private:
     struct Span {
@@ -154,6 +169,8 @@ private:
     std::barrier<> gate;
     bool ending = false; // changes between rounds only
     std::vector<Span> spans;
+    Clock::duration all{0};
+    Clock::duration together{0};
     std::vector<std::jthread> threads;
 };
 
@@ -170,6 +187,7 @@ void Trace(benchmark::State& state) {
         if (kept != -1 && kept != tracesInAll)
             state.SkipWithError("a trace is lost");
     }
+    state.counters["together"] = tracers.ShareTogether();
     state.SetItemsProcessed(state.iterations() * tracesInAll);
 }
 
@@ -185,6 +203,7 @@ void Add(std::string const& name) {
 [[maybe_unused]] bool const areRegistered = [] {
     Add<Report>("Qmt");
     Add<ShortText>("QmtShortText");
+    Add<StringText>("QmtString");
     Add<ReportOff>("QmtRefused");
     Add<Ring>("SpdlogRing");
     Add<Null>("SpdlogNull");
