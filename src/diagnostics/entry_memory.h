@@ -12,9 +12,8 @@ namespace QMT {
 // heap. From any thread, also while it or the process ends.
 class EntryMemory {
 public:
-    static constexpr std::size_t largestPiece = 512; // bytes
-
-    // Aligned for pointers. Allocates, and takes a lock, when the thread's chunk is full.
+    // At most some hundred bytes; aligned for pointers. Allocates, and takes a lock, when the thread's chunk
+    // is full.
     static void* Allocate(std::size_t bytes);
 
     static void Free(void* piece) noexcept;

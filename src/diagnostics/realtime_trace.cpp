@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "diagnostics/entry_memory.h"
@@ -18,17 +19,6 @@ RealTimeTrace::RealTimeTrace(void* pointer, String text)
     : traceText(std::move(text)), traceValue(NoTraceValue), tracePointer(pointer) {}
 
 RealTimeTrace::~RealTimeTrace() = default;
-
-void* RealTimeTrace::operator new(std::size_t bytes) {
-    return bytes <= EntryMemory::largestPiece ? EntryMemory::Allocate(bytes) : ::operator new(bytes);
-}
-
-void RealTimeTrace::operator delete(void* memory, std::size_t bytes) noexcept {
-    if (bytes <= EntryMemory::largestPiece)
-        EntryMemory::Free(memory);
-    else
-        ::operator delete(memory);
-}
 
 namespace {
 
@@ -58,33 +48,65 @@ void RealTimeTrace::DescribeEvent(ReportEvent& event) {
 // A trace whose text stands behind it in the same piece of memory until it is written.
 class ShortTrace final : public RealTimeTrace {
 public:
-    static constexpr std::size_t mostUnits = 65; // with the terminator
+    using View = std::basic_string_view<CodeUnit>;
 
-    static ShortTrace* Make(CodeUnit const* text, std::size_t units, int value) {
-        void* const memory = EntryMemory::Allocate(sizeof(ShortTrace) + units * sizeof(CodeUnit));
-        auto* const trace = ::new (memory) ShortTrace(value);
-        std::copy_n(text, units, trace->Text());
+    static constexpr std::size_t mostUnits = 65; // with a terminator
+
+    // Of the text counts what stands in front of the first zero, when it `endsAtZero`.
+    static ShortTrace* Make(View text, bool endsAtZero, int value, void* pointer) {
+        void* const memory = EntryMemory::Allocate(sizeof(ShortTrace) + text.size() * sizeof(CodeUnit));
+        auto* const trace = ::new (memory) ShortTrace(value, pointer);
+        trace->size = static_cast<std::uint32_t>(text.size());
+        trace->isLiteral = endsAtZero;
+        std::copy_n(text.data(), text.size(), trace->Units());
         return trace;
     }
 
+    static void operator delete(void* memory) noexcept { EntryMemory::Free(memory); }
+
     void WriteItem(FormatableTextFile& file) override {
-        traceText = String(Text());
+        View const text(Units(), size);
+        traceText = String(isLiteral ? text.substr(0, text.find(CodeUnit{})) : text);
         RealTimeTrace::WriteItem(file);
     }
 
 private:
-    explicit ShortTrace(int value) : RealTimeTrace(value) {}
+    using RealTimeTrace::RealTimeTrace;
 
-    CodeUnit* Text() { return reinterpret_cast<CodeUnit*>(this + 1); }
+    CodeUnit* Units() { return reinterpret_cast<CodeUnit*>(this + 1); }
+
+    std::uint32_t size = 0;
+    bool isLiteral = false;
 };
 
-void RealTimeTrace::AddLiteral(CodeUnit const* text, std::size_t size, int value) {
-    if (!reportState.IsGathering())
+namespace {
+
+// True, and counted, when an entry would be refused anyway.
+bool IsRefused() {
+    bool const refused = !reportState.IsGathering();
+    if (refused)
         reportState.Refuse();
-    else if (size > ShortTrace::mostUnits)
-        RealTimeReport::AddReport(new RealTimeTrace(text, value));
+    return refused;
+}
+
+void AddTrace(String text, int value, void* pointer) {
+    if (IsRefused())
+        return;
+    if (text.Len() <= ShortTrace::mostUnits)
+        RealTimeReport::AddReport(ShortTrace::Make(text.View(), false, value, pointer));
+    else if (pointer)
+        RealTimeReport::AddReport(new RealTimeTrace(pointer, std::move(text)));
     else
-        RealTimeReport::AddReport(ShortTrace::Make(text, size, value));
+        RealTimeReport::AddReport(new RealTimeTrace(std::move(text), value));
+}
+
+} // namespace
+
+void RealTimeTrace::AddLiteral(CodeUnit const* text, std::size_t size, int value) {
+    if (size > ShortTrace::mostUnits)
+        AddTrace(text, value, nullptr);
+    else if (!IsRefused())
+        RealTimeReport::AddReport(ShortTrace::Make({text, size}, true, value, nullptr));
 }
 
 // ---- the free functions
@@ -123,11 +145,11 @@ void AppendScaled(String& text, float sample) {
 } // namespace
 
 void REALTIMETRACE(String text, int value) {
-    RealTimeReport::AddReport(new RealTimeTrace(std::move(text), value));
+    AddTrace(std::move(text), value, nullptr);
 }
 
 void REALTIMETRACE(void* pointer, String text) {
-    RealTimeReport::AddReport(new RealTimeTrace(pointer, std::move(text)));
+    AddTrace(std::move(text), NoTraceValue, pointer);
 }
 
 void REALTIMETRACE(String text, unsigned char* data, size_t size) {

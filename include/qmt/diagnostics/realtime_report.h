@@ -132,11 +132,6 @@ public:
 
     ~RealTimeTrace() override;
 
-    // Traces lie close together in memory of the library's own, which threads fill in turn without a call of
-    // the heap.
-    static void* operator new(std::size_t bytes);
-    static void operator delete(void* memory, std::size_t bytes) noexcept;
-
     void WriteItem(FormatableTextFile& file) override;
     void DescribeEvent(ReportEvent& event) override;
 
@@ -146,7 +141,7 @@ public:
 private:
     friend class ShortTrace;
 
-    explicit RealTimeTrace(int value) : traceValue(value), tracePointer(nullptr) {}
+    RealTimeTrace(int value, void* pointer) : traceValue(value), tracePointer(pointer) {}
 
     bool HasValue() const { return tracePointer == nullptr && traceValue != NoTraceValue; }
 
@@ -155,11 +150,12 @@ private:
     void* tracePointer;
 };
 
-// Add a `RealTimeTrace` to the report, as `AddReport` does, and allocate for it.
+// Add a `RealTimeTrace` to the report, as `AddReport` does. One of up to 64 units lies in memory that the
+// library keeps at hand for it.
 QMT_UTILU_API void REALTIMETRACE(String text, int value);
 QMT_UTILU_API void REALTIMETRACE(void* pointer, String text);
 
-// The first for a literal, which is copied: one of up to 64 units costs no call of the heap.
+// The first for a literal or any other zero-terminated array, without making a String of it.
 template <std::size_t size>
 void REALTIMETRACE(CodeUnit const (&text)[size], int value) {
     RealTimeTrace::AddLiteral(text, size, value);
