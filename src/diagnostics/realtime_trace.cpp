@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
-#include <string_view>
 #include <utility>
 
 #include "diagnostics/entry_memory.h"
@@ -45,28 +44,22 @@ void RealTimeTrace::DescribeEvent(ReportEvent& event) {
         event.AddNumber(u"value", traceValue);
 }
 
-// A trace whose text stands behind it in the same piece of memory until it is written.
+// A trace whose text, up to its first zero, stands behind it in the same piece of memory until it is written.
 class ShortTrace final : public RealTimeTrace {
 public:
-    using View = std::basic_string_view<CodeUnit>;
+    static constexpr std::size_t mostUnits = 65; // with the terminator
 
-    static constexpr std::size_t mostUnits = 65; // with a terminator
-
-    // Of the text counts what stands in front of the first zero, when it `endsAtZero`.
-    static ShortTrace* Make(View text, bool endsAtZero, int value, void* pointer) {
-        void* const memory = EntryMemory::Allocate(sizeof(ShortTrace) + text.size() * sizeof(CodeUnit));
+    static ShortTrace* Make(CodeUnit const* text, std::size_t size, int value, void* pointer) {
+        void* const memory = EntryMemory::Allocate(sizeof(ShortTrace) + size * sizeof(CodeUnit));
         auto* const trace = ::new (memory) ShortTrace(value, pointer);
-        trace->size = static_cast<std::uint32_t>(text.size());
-        trace->isLiteral = endsAtZero;
-        std::copy_n(text.data(), text.size(), trace->Units());
+        std::copy_n(text, size, trace->Units());
         return trace;
     }
 
     static void operator delete(void* memory) noexcept { EntryMemory::Free(memory); }
 
     void WriteItem(FormatableTextFile& file) override {
-        View const text(Units(), size);
-        traceText = String(isLiteral ? text.substr(0, text.find(CodeUnit{})) : text);
+        traceText = String(Units());
         RealTimeTrace::WriteItem(file);
     }
 
@@ -74,9 +67,6 @@ private:
     using RealTimeTrace::RealTimeTrace;
 
     CodeUnit* Units() { return reinterpret_cast<CodeUnit*>(this + 1); }
-
-    std::uint32_t size = 0;
-    bool isLiteral = false;
 };
 
 namespace {
@@ -92,8 +82,9 @@ bool IsRefused() {
 void AddTrace(String text, int value, void* pointer) {
     if (IsRefused())
         return;
-    if (text.Len() <= ShortTrace::mostUnits)
-        RealTimeReport::AddReport(ShortTrace::Make(text.View(), false, value, pointer));
+    std::size_t const size = text.Len() + 1;
+    if (size <= ShortTrace::mostUnits && text.View().find(CodeUnit{}) == text.View().npos)
+        RealTimeReport::AddReport(ShortTrace::Make(text, size, value, pointer));
     else if (pointer)
         RealTimeReport::AddReport(new RealTimeTrace(pointer, std::move(text)));
     else
@@ -106,7 +97,7 @@ void RealTimeTrace::AddLiteral(CodeUnit const* text, std::size_t size, int value
     if (size > ShortTrace::mostUnits)
         AddTrace(text, value, nullptr);
     else if (!IsRefused())
-        RealTimeReport::AddReport(ShortTrace::Make({text, size}, true, value, nullptr));
+        RealTimeReport::AddReport(ShortTrace::Make(text, size, value, nullptr));
 }
 
 // ---- the free functions
