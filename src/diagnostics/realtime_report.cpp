@@ -33,7 +33,7 @@ Entries& RealTimeReport::reportItems = *entries;
 
 RealTimeReport::~RealTimeReport() = default;
 
-void RealTimeReport::DescribeEvent(ReportEvent&) {}
+void RealTimeReport::DescribeEvent(ViewerEvent&) {}
 
 void RealTimeReport::TurnReportIngOn() {
     reportState.refused = 0;

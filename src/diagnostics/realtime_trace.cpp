@@ -36,7 +36,7 @@ void RealTimeTrace::WriteItem(FormatableTextFile& file) {
     file << newline;
 }
 
-void RealTimeTrace::DescribeEvent(ReportEvent& event) {
+void RealTimeTrace::DescribeEvent(ViewerEvent& event) {
     event.SetName(traceText);
     if (tracePointer)
         event.AddText(u"pointer", String() << hex(0) << Low32Bits(tracePointer));

@@ -25,23 +25,23 @@ std::unique_ptr<ErrorInfo> FlushAndClose(FormatableTextFile& file) {
 
 } // namespace
 
-ReportEvent::ReportEvent(String eventName) : name(std::move(eventName)) {}
+ViewerEvent::ViewerEvent(String eventName) : name(std::move(eventName)) {}
 
-void ReportEvent::SetName(String newName) {
+void ViewerEvent::SetName(String newName) {
     name = std::move(newName);
 }
 
-void ReportEvent::AddNumber(String const& key, long long number) {
+void ViewerEvent::AddNumber(String const& key, long long number) {
     AddKey(key);
     details << number;
 }
 
-void ReportEvent::AddText(String const& key, String const& text) {
+void ViewerEvent::AddText(String const& key, String const& text) {
     AddKey(key);
     AppendJsonText(details, text);
 }
 
-void ReportEvent::AddKey(String const& key) {
+void ViewerEvent::AddKey(String const& key) {
     if (!details.IsEmpty())
         details << u",";
     AppendJsonText(details, key);
@@ -94,7 +94,7 @@ void ReportFiles::BeginEvent(String const& name) {
 
 void ReportFiles::WriteEvent(RealTimeReport& entry, String const& line) {
     constexpr long long microseconds = 1000; // in a millisecond
-    ReportEvent event(WithoutLineBreak(line));
+    ViewerEvent event(WithoutLineBreak(line));
     entry.DescribeEvent(event);
     BeginEvent(event.Name());
     events << u",\"ph\":\"i\",\"s\":\"t\",\"pid\":1,\"tid\":" << entry.addThread << u",\"ts\":"

@@ -19,9 +19,9 @@ class ReportFiles;
 class ShortTrace;
 
 // What a trace viewer shows of an entry: a name, and details behind it. For one thread at a time.
-class QMT_UTILU_API ReportEvent {
+class QMT_UTILU_API ViewerEvent {
 public:
-    explicit ReportEvent(String eventName);
+    explicit ViewerEvent(String eventName);
 
     void SetName(String newName);
 
@@ -67,7 +67,7 @@ public:
 
     // Changes what a viewer shows of the entry. The name is the entry's line, without its line break, until
     // this changes it. Called once, behind `WriteItem`; does nothing by default.
-    virtual void DescribeEvent(ReportEvent& event);
+    virtual void DescribeEvent(ViewerEvent& event);
 
     // The time that `AddReport` sets, in milliseconds.
     void SetAddTime(unsigned int time) { addTime = time; }
@@ -133,7 +133,7 @@ public:
     ~RealTimeTrace() override;
 
     void WriteItem(FormatableTextFile& file) override;
-    void DescribeEvent(ReportEvent& event) override;
+    void DescribeEvent(ViewerEvent& event) override;
 
     // Adds a trace of the zero-terminated text in an array of `size` units, like `AddReport`.
     static void AddLiteral(CodeUnit const* text, std::size_t size, int value);
