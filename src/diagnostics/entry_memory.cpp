@@ -109,12 +109,12 @@ void* EntryMemory::AllocateInNewChunk(std::size_t size) {
     endsWithThread.Replace(chunk);
     if (ThreadsChunk::hasEnded)
         endsWithThread.Replace(nullptr);
-    return piece;
+    return piece; // NOLINT(clang-analyzer-cplusplus.NewDelete): the piece itself keeps the chunk
 }
 
 void EntryMemory::Free(void* piece) noexcept {
-    auto const address = reinterpret_cast<std::uintptr_t>(piece);
-    GiveBack(reinterpret_cast<Chunk*>(address & ~(chunkBytes - 1)), 1);
+    std::uintptr_t const offset = reinterpret_cast<std::uintptr_t>(piece) % chunkBytes;
+    GiveBack(reinterpret_cast<Chunk*>(static_cast<std::byte*>(piece) - offset), 1);
 }
 
 } // namespace QMT

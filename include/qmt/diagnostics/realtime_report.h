@@ -118,6 +118,7 @@ private:
 };
 
 // The number that stands for none.
+// NOLINTNEXTLINE(readability-identifier-naming): the name is fixed
 inline constexpr int NoTraceValue = -123456789;
 
 // An entry of a text, with a number or a pointer behind it. Its line is "(", the time in 8 digits, ") ", the
@@ -168,6 +169,7 @@ void REALTIMETRACE(CodeUnit const (&text)[size], int value) {
 // Bytes in hexadecimal, in two places.
 QMT_UTILU_API void REALTIMETRACE(String text, unsigned char* data, size_t size);
 
+// NOLINTBEGIN(readability-identifier-naming): the names are fixed
 // Samples, of which `size` must be whole ones; "[END]" stands behind the last. They need not be aligned.
 // 32-bit floating point:
 QMT_UTILU_API void REALTIMETRACE_AUDIOFLOAT(String text, unsigned char* data, size_t size);
@@ -178,5 +180,6 @@ QMT_UTILU_API void REALTIMETRACE_AUDIOSHORT(String text, unsigned char* data, si
 // 32-bit floating point times 32768, cut towards zero and not clipped, as the low 32 bits in hexadecimal with
 // at least two digits; 0 for what is no number or beyond 64 bits.
 QMT_UTILU_API void REALTIMETRACE_AUDIOFLOAT_AS_SHORT(String text, unsigned char* data, size_t size);
+// NOLINTEND(readability-identifier-naming)
 
 } // namespace QMT
