@@ -20,8 +20,8 @@ NeverDestroyed<Entries> entries;
 NeverDestroyed<ReportThreads> threads; // this and the clock under the section
 NeverDestroyed<StampClock> stampClock;
 
-std::unique_ptr<ErrorInfo> NewError(CodeUnit const* text) {
-    return std::unique_ptr<ErrorInfo>(MakeError(text));
+std::unique_ptr<ErrorInfo> NewError(String text) {
+    return std::unique_ptr<ErrorInfo>(MakeError(std::move(text)));
 }
 
 } // namespace
