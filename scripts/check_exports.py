@@ -17,7 +17,7 @@ LIBRARIES = ("libqmtgenu.so", "libqmtutilu.so")
 OURS = re.compile(r"_Z(T[VTCIS]|GV|T[hvc][n0-9_hv]*_)?NK?3QMT")
 
 # What tests use of the private namespaces.
-PRIVATE = re.compile(r"\bQMT::(platform|detail)::")
+PRIVATE = re.compile(r"\bQMT::(platform|detail|scaling)::")
 PRIVATE_AND_EXPORTED = {
     "QMT::platform::CurrentWaitBackend()",
     "QMT::platform::ForceWaitBackend(QMT::platform::WaitBackend)",

@@ -32,7 +32,9 @@ MAY_INCLUDE = {
 # Headers from outside, other than the C++ library's, that a subsystem's sources may include.
 OUTSIDE = {
     "general": re.compile(r"utf8(/.*)?\.h"),
-    "html": re.compile(r"emmintrin\.h"), # instructions of one processor, with a way without them beside
+    # Instructions of one processor, with a way without them beside.
+    "html": re.compile(r"emmintrin\.h"),
+    "helpers/rgb_scaling": re.compile(r"immintrin\.h"),
 }
 
 SYSTEM_MACRO = re.compile(

@@ -1,0 +1,70 @@
+// Vectors of two lanes.
+#if defined(__x86_64__)
+
+#include <cstddef>
+#include <cstdint>
+#include <immintrin.h>
+
+#include "helpers/rgb_scaling_x86.h"
+
+#define QMT_TARGET __attribute__((target("avx2")))
+#define QMT_V(operation) _mm256_##operation
+#define QMT_BITS(operation) _mm256_##operation##_si256
+#define QMT_TABLE avx2Kernels
+#define QMT_NAME "AVX2"
+
+namespace QMT::scaling {
+
+namespace {
+
+using Vector = __m256i;
+
+constexpr std::size_t laneCount = 2;
+
+QMT_TARGET inline __m128i LoadLane(unsigned char const* from) {
+    return _mm_loadu_si128(reinterpret_cast<__m128i const*>(from));
+}
+
+QMT_TARGET inline Vector LoadWhole(unsigned char const* from) {
+    return _mm256_loadu_si256(reinterpret_cast<__m256i const*>(from));
+}
+
+QMT_TARGET inline Vector LoadLanes(unsigned char const* from, std::size_t step) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadLane(from)), LoadLane(from + step), 1);
+}
+
+QMT_TARGET inline void StoreWhole(Vector bytes, unsigned char* to) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), bytes);
+}
+
+QMT_TARGET inline Vector Repeat(std::array<unsigned char, 16> const& lane) {
+    return _mm256_broadcastsi128_si256(LoadLane(lane.data()));
+}
+
+QMT_TARGET inline Vector InTurns2(Vector bytes) {
+    return _mm256_permute4x64_epi64(bytes, 0xD8);
+}
+
+QMT_TARGET inline Vector InTurns4(Vector bytes) {
+    return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+}
+
+QMT_TARGET inline void StoreTriple(Vector a, Vector b, Vector c, unsigned char* to) {
+    StoreWhole(_mm256_permute2x128_si256(a, b, 0x20), to);
+    StoreWhole(_mm256_permute2x128_si256(c, a, 0x30), to + 32);
+    StoreWhole(_mm256_permute2x128_si256(b, c, 0x31), to + 64);
+}
+
+QMT_TARGET inline void StoreTwelves(Vector bytes, unsigned char* to) {
+    Vector const joined = _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 7, 7));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(joined));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 16), _mm256_extracti128_si256(joined, 1));
+}
+
+} // namespace
+
+} // namespace QMT::scaling
+
+#include "helpers/rgb_scaling_vectors.h"
+
+#endif

@@ -1,0 +1,102 @@
+#include "helpers/rgb_scaling_portable.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace QMT::scaling::portable {
+
+namespace {
+
+unsigned char Limited(int value) {
+    return static_cast<unsigned char>(std::clamp(value, 0, 255));
+}
+
+unsigned int SumOfChannel(BlockRow const& block, unsigned char const* from) {
+    unsigned int sum = 0;
+    for (unsigned int row = 0; row < block.factor; ++row, from += block.rowStep)
+        for (unsigned int column = 0; column < block.factor; ++column)
+            sum += from[column * block.pixelStep];
+    return sum;
+}
+
+// Puts averages `step` bytes apart.
+void AverageChannel(BlockRow const& block, std::size_t begin, std::size_t channel, std::size_t step,
+                    unsigned char* averages) {
+    unsigned int const pixels = block.factor * block.factor;
+    for (std::size_t i = begin; i < block.count; ++i) {
+        unsigned int const sum = SumOfChannel(block, block.first + i * block.BlockStep() + channel);
+        averages[i * step + channel] = static_cast<unsigned char>(sum / pixels);
+    }
+}
+
+void AverageAllPixels(BlockRow const& block, unsigned char* packed) {
+    AveragePixels(block, 0, packed);
+}
+
+void AverageWholePlane(BlockRow const& block, unsigned char* averages) {
+    AveragePlane(block, 0, averages);
+}
+
+void Copy(unsigned char const* from, std::size_t size, unsigned char* to) {
+    std::memcpy(to, from, size);
+}
+
+void DoNothing() {}
+
+} // namespace
+
+void AveragePixels(BlockRow const& block, std::size_t begin, unsigned char* packed) {
+    for (std::size_t channel = 0; channel < 3; ++channel)
+        AverageChannel(block, begin, channel, 4, packed);
+}
+
+void AveragePlane(BlockRow const& block, std::size_t begin, unsigned char* averages) {
+    AverageChannel(block, begin, 0, 1, averages);
+}
+
+void StorePixels(unsigned char const* packed, std::size_t count, unsigned char* to) {
+    for (std::size_t i = 0; i < count; ++i)
+        std::memcpy(to + 3 * i, packed + 4 * i, 3);
+}
+
+void ConvertToYuv(unsigned char const* packed, std::size_t count, OutputChannelRow const& to) {
+    for (std::size_t i = 0; i < count; ++i) {
+        int const b = packed[4 * i];
+        int const g = packed[4 * i + 1];
+        int const r = packed[4 * i + 2];
+        to[0][i] = static_cast<unsigned char>(((66 * r + 129 * g + 25 * b + 128) >> 8) + 16);
+        to[1][i] = static_cast<unsigned char>(((112 * b - 74 * g - 38 * r + 128) >> 8) + 128);
+        to[2][i] = static_cast<unsigned char>(((112 * r - 94 * g - 18 * b + 128) >> 8) + 128);
+    }
+}
+
+void ConvertToRgb(ChannelRow const& from, std::size_t count, unsigned char* to) {
+    for (std::size_t i = 0; i < count; ++i, to += 3) {
+        int const luma = 298 * (from[0][i] - 16) + 128;
+        int const u = from[1][i] - 128;
+        int const v = from[2][i] - 128;
+        to[0] = Limited((luma + 516 * u) >> 8);
+        to[1] = Limited((luma - 100 * u - 208 * v) >> 8);
+        to[2] = Limited((luma + 409 * v) >> 8);
+    }
+}
+
+void DoublePixels(unsigned char const* from, std::size_t count, unsigned char* to) {
+    for (std::size_t i = 0; i < count; ++i, from += 3, to += 6) {
+        std::memcpy(to, from, 3);
+        std::memcpy(to + 3, from, 3);
+    }
+}
+
+constexpr Kernels kernels{.name = "portable",
+                          .averagePixels = AverageAllPixels,
+                          .averagePlane = AverageWholePlane,
+                          .storePixels = StorePixels,
+                          .convertToYuv = ConvertToYuv,
+                          .convertToRgb = ConvertToRgb,
+                          .doublePixels = DoublePixels,
+                          .copy = Copy,
+                          .stream = Copy,
+                          .finishStreams = DoNothing};
+
+} // namespace QMT::scaling::portable
