@@ -55,10 +55,14 @@ QMT_TARGET inline void StoreTriple(Vector a, Vector b, Vector c, unsigned char* 
     StoreWhole(_mm256_permute2x128_si256(b, c, 0x31), to + 64);
 }
 
-QMT_TARGET inline void StoreTwelves(Vector bytes, unsigned char* to) {
-    Vector const joined = _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 7, 7));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(joined));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 16), _mm256_extracti128_si256(joined, 1));
+QMT_TARGET inline void StoreTwelves(Vector a, Vector b, Vector c, Vector d, unsigned char* to) {
+    a = _mm256_permutevar8x32_epi32(a, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 7, 7));
+    b = _mm256_permutevar8x32_epi32(b, _mm256_setr_epi32(2, 4, 5, 6, 7, 7, 0, 1));
+    c = _mm256_permutevar8x32_epi32(c, _mm256_setr_epi32(5, 6, 7, 7, 0, 1, 2, 4));
+    d = _mm256_permutevar8x32_epi32(d, _mm256_setr_epi32(7, 7, 0, 1, 2, 4, 5, 6));
+    StoreWhole(_mm256_blend_epi32(a, b, 0xC0), to);
+    StoreWhole(_mm256_blend_epi32(b, c, 0xF0), to + 32);
+    StoreWhole(_mm256_blend_epi32(c, d, 0xFC), to + 64);
 }
 
 } // namespace

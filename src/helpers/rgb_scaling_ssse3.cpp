@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <immintrin.h>
 
 #include "helpers/rgb_scaling_x86.h"
@@ -52,10 +51,10 @@ QMT_TARGET inline void StoreTriple(Vector a, Vector b, Vector c, unsigned char* 
     StoreWhole(c, to + 32);
 }
 
-QMT_TARGET inline void StoreTwelves(Vector bytes, unsigned char* to) {
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), bytes);
-    int const last = _mm_cvtsi128_si32(_mm_srli_si128(bytes, 8));
-    std::memcpy(to + 8, &last, sizeof(last));
+QMT_TARGET inline void StoreTwelves(Vector a, Vector b, Vector c, Vector d, unsigned char* to) {
+    StoreWhole(_mm_or_si128(a, _mm_slli_si128(b, 12)), to);
+    StoreWhole(_mm_or_si128(_mm_srli_si128(b, 4), _mm_slli_si128(c, 8)), to + 16);
+    StoreWhole(_mm_or_si128(_mm_srli_si128(c, 8), _mm_slli_si128(d, 4)), to + 32);
 }
 
 } // namespace

@@ -9,7 +9,7 @@
 //     Repeat(lane)               the same 16 bytes in each lane
 //     InTurns2(v), InTurns4(v)   puts 8 or 4 bytes of each lane by turns, from what was first in each lane on
 //     StoreTriple(a, b, c, to)   a, b and c of the first lane, then those of the second
-//     StoreTwelves(v, to)        the first 12 bytes of each lane, one behind the other
+//     StoreTwelves(a, .. d, to)  12 bytes of each lane of a, of b and so on; the others must be zero
 //
 // Memory need not be aligned.
 #pragma once
@@ -21,6 +21,9 @@
 #include "helpers/rgb_scaling_division.h"
 #include "helpers/rgb_scaling_portable.h"
 #include "helpers/rgb_scaling_x86.h"
+
+// Without it some compilers call these within the loops, with their vectors in memory.
+#define QMT_INLINE QMT_TARGET __attribute__((always_inline)) inline
 
 namespace QMT::scaling {
 
@@ -54,7 +57,7 @@ constexpr Lane ExpandLane(std::size_t pixelStep) {
 // 4 pixels in each lane, which lie one behind the other in memory; reads 16 bytes from the last lane's start
 // on.
 template <std::size_t pixelStep>
-QMT_TARGET Vector LoadPixels(unsigned char const* from) {
+QMT_INLINE Vector LoadPixels(unsigned char const* from) {
     return pixelStep == 4 ? LoadWhole(from) : LoadLanes(from, 4 * pixelStep);
 }
 
@@ -75,11 +78,11 @@ std::size_t ReadableOutputs(BlockRow const& block, std::size_t back, std::size_t
 template <std::size_t pixelStep>
 class AverageOfOnes {
 public:
-    QMT_TARGET explicit AverageOfOnes(BlockRow const&) : expand(Repeat(ExpandLane(pixelStep))) {}
+    QMT_INLINE explicit AverageOfOnes(BlockRow const&) : expand(Repeat(ExpandLane(pixelStep))) {}
 
     static std::size_t Readable(BlockRow const& block) { return ReadableOutputs(block, 4, 16); }
 
-    QMT_TARGET Vector operator()(unsigned char const* from) const {
+    QMT_INLINE Vector operator()(unsigned char const* from) const {
         return QMT_V(shuffle_epi8)(LoadPixels<pixelStep>(from), expand);
     }
 
@@ -90,21 +93,21 @@ private:
 template <std::size_t pixelStep>
 class AverageOfTwos {
 public:
-    QMT_TARGET explicit AverageOfTwos(BlockRow const& block)
+    QMT_INLINE explicit AverageOfTwos(BlockRow const& block)
         : rowStep(block.rowStep), pairs(Repeat(PairsLane(pixelStep, 4))), ones(QMT_V(set1_epi8)(1)) {}
 
     static std::size_t Readable(BlockRow const& block) { return ReadableOutputs(block, 2, 16); }
 
-    QMT_TARGET Vector operator()(unsigned char const* from) const {
+    QMT_INLINE Vector operator()(unsigned char const* from) const {
         return InTurns2(QMT_V(packus_epi16)(Two(from), Two(from + loadedPixels * pixelStep)));
     }
 
 private:
-    QMT_TARGET Vector PairSums(unsigned char const* from) const {
+    QMT_INLINE Vector PairSums(unsigned char const* from) const {
         return QMT_V(maddubs_epi16)(QMT_V(shuffle_epi8)(LoadPixels<pixelStep>(from), pairs), ones);
     }
 
-    QMT_TARGET Vector Two(unsigned char const* from) const {
+    QMT_INLINE Vector Two(unsigned char const* from) const {
         return QMT_V(srli_epi16)(QMT_V(add_epi16)(PairSums(from), PairSums(from + rowStep)), 2);
     }
 
@@ -116,29 +119,29 @@ private:
 template <std::size_t pixelStep>
 class AverageOfFours {
 public:
-    QMT_TARGET explicit AverageOfFours(BlockRow const& block)
+    QMT_INLINE explicit AverageOfFours(BlockRow const& block)
         : rowStep(block.rowStep), pairs(Repeat(PairsLane(pixelStep, 4))), ones(QMT_V(set1_epi8)(1)) {}
 
     static std::size_t Readable(BlockRow const& block) { return ReadableOutputs(block, 1, 16); }
 
-    QMT_TARGET Vector operator()(unsigned char const* from) const {
+    QMT_INLINE Vector operator()(unsigned char const* from) const {
         constexpr std::size_t step = loadedPixels * pixelStep;
         return InTurns4(QMT_V(packus_epi16)(Two(from, from + step), Two(from + 2 * step, from + 3 * step)));
     }
 
 private:
-    QMT_TARGET Vector PairSums(unsigned char const* from) const {
+    QMT_INLINE Vector PairSums(unsigned char const* from) const {
         return QMT_V(maddubs_epi16)(QMT_V(shuffle_epi8)(LoadPixels<pixelStep>(from), pairs), ones);
     }
 
-    QMT_TARGET Vector Sums(unsigned char const* from) const {
+    QMT_INLINE Vector Sums(unsigned char const* from) const {
         Vector const upper = QMT_V(add_epi16)(PairSums(from), PairSums(from + rowStep));
         from += 2 * rowStep;
         return QMT_V(add_epi16)(upper, QMT_V(add_epi16)(PairSums(from), PairSums(from + rowStep)));
     }
 
     // The halves of a lane of sums are two parts of one output.
-    QMT_TARGET Vector Two(unsigned char const* first, unsigned char const* second) const {
+    QMT_INLINE Vector Two(unsigned char const* first, unsigned char const* second) const {
         Vector const a = Sums(first);
         Vector const b = Sums(second);
         Vector const sums = QMT_V(add_epi16)(QMT_V(unpacklo_epi64)(a, b), QMT_V(unpackhi_epi64)(a, b));
@@ -152,14 +155,14 @@ private:
 
 class Divider {
 public:
-    QMT_TARGET explicit Divider(unsigned int factor) {
+    QMT_INLINE explicit Divider(unsigned int factor) {
         Division const division = DivisionBySquareOf(factor);
         before = _mm_cvtsi32_si128(division.before);
         multiplier = QMT_V(set1_epi16)(static_cast<short>(division.multiplier));
         after = _mm_cvtsi32_si128(division.after);
     }
 
-    QMT_TARGET Vector operator()(Vector sums) const {
+    QMT_INLINE Vector operator()(Vector sums) const {
         Vector const products = QMT_V(mulhi_epu16)(QMT_V(srl_epi16)(sums, before), multiplier);
         return QMT_V(srl_epi16)(products, after);
     }
@@ -175,7 +178,7 @@ private:
 template <unsigned int groups>
 class AverageOfBlocks {
 public:
-    QMT_TARGET explicit AverageOfBlocks(BlockRow const& row)
+    QMT_INLINE explicit AverageOfBlocks(BlockRow const& row)
         : block(row),
           divide(row.factor),
           pairs(Repeat(PairsLane(row.pixelStep, 4))),
@@ -186,7 +189,7 @@ public:
         return ReadableOutputs(block, 1, (groups - 1) * 4 * block.pixelStep + 16);
     }
 
-    QMT_TARGET Vector operator()(unsigned char const* from) const {
+    QMT_INLINE Vector operator()(unsigned char const* from) const {
         Vector const zero = QMT_BITS(setzero)();
         Vector sums[4] = {zero, zero, zero, zero};
         for (unsigned int row = 0; row < block.factor; ++row, from += block.rowStep)
@@ -196,7 +199,7 @@ public:
     }
 
 private:
-    QMT_TARGET Vector AddRow(Vector sum, unsigned char const* from) const {
+    QMT_INLINE Vector AddRow(Vector sum, unsigned char const* from) const {
         for (unsigned int group = 0; group < groups; ++group, from += 4 * block.pixelStep) {
             Vector const pixels = LoadLanes(from, 4 * block.BlockStep());
             Vector const inPairs = QMT_V(shuffle_epi8)(pixels, group + 1 == groups ? lastPairs : pairs);
@@ -206,11 +209,11 @@ private:
     }
 
     // The halves of a lane of sums are two parts of one output; together they stay below 2^16.
-    QMT_TARGET Vector Two(Vector a, Vector b) const {
+    QMT_INLINE Vector Two(Vector a, Vector b) const {
         return divide(QMT_V(add_epi16)(QMT_V(unpacklo_epi64)(a, b), QMT_V(unpackhi_epi64)(a, b)));
     }
 
-    BlockRow const& block;
+    BlockRow block;
     Divider divide;
     Vector pairs;
     Vector lastPairs;
@@ -226,10 +229,15 @@ QMT_TARGET std::size_t AverageBy(BlockRow const& block, unsigned char* packed) {
         return 0;
     Average const average(block);
     std::size_t const blockStep = block.BlockStep();
-    for (std::size_t i = 0; i < block.count; i += stepOutputs) {
-        std::size_t const at = std::min(i, readable - stepOutputs);
-        StoreWhole(average(block.first + at * blockStep), packed + 4 * at);
-    }
+    std::size_t const wanted = (block.count + stepOutputs - 1) / stepOutputs;
+    std::size_t const steps = std::min(wanted, readable / stepOutputs);
+    unsigned char const* from = block.first;
+    unsigned char* to = packed;
+    for (std::size_t i = 0; i < steps; ++i, from += stepOutputs * blockStep, to += sizeof(Vector))
+        StoreWhole(average(from), to);
+    std::size_t const lastStart = readable - stepOutputs;
+    if (steps < wanted)
+        StoreWhole(average(block.first + lastStart * blockStep), packed + 4 * lastStart);
     return readable;
 }
 
@@ -264,33 +272,33 @@ constexpr std::size_t planeOutputs = laneOutputs * laneCount; // at a time, 16 i
 
 class PlanePairs { // factor 2
 public:
-    QMT_TARGET explicit PlanePairs(BlockRow const& row) : block(row), ones(QMT_V(set1_epi8)(1)) {}
+    QMT_INLINE explicit PlanePairs(BlockRow const& row) : block(row), ones(QMT_V(set1_epi8)(1)) {}
 
     std::size_t Readable() const { return block.readableInLowest / 2; }
 
-    QMT_TARGET Vector operator()(unsigned char const* from) const {
+    QMT_INLINE Vector operator()(unsigned char const* from) const {
         return QMT_V(packus_epi16)(Eight(from), Eight(from + 16));
     }
 
 private:
-    QMT_TARGET Vector Eight(unsigned char const* from) const {
+    QMT_INLINE Vector Eight(unsigned char const* from) const {
         Vector const upper = QMT_V(maddubs_epi16)(LoadLanes(from, 2 * laneOutputs), ones);
         Vector const lower = QMT_V(maddubs_epi16)(LoadLanes(from + block.rowStep, 2 * laneOutputs), ones);
         return QMT_V(srli_epi16)(QMT_V(add_epi16)(upper, lower), 2);
     }
 
-    BlockRow const& block;
+    BlockRow block;
     Vector ones;
 };
 
 class PlaneBlocks { // factors from 3 on
 public:
-    QMT_TARGET explicit PlaneBlocks(BlockRow const& row)
+    QMT_INLINE explicit PlaneBlocks(BlockRow const& row)
         : block(row), divide(row.factor), mask(Repeat(MaskOf(row.factor))) {}
 
     std::size_t Readable() const { return ReadableOutputs(block, 1, 16); }
 
-    QMT_TARGET Vector operator()(unsigned char const* from) const {
+    QMT_INLINE Vector operator()(unsigned char const* from) const {
         return QMT_V(packus_epi16)(Eight(from), Eight(from + 8 * block.factor));
     }
 
@@ -302,7 +310,7 @@ private:
     }
 
     // The sum of a block in two parts, one in each half of a lane.
-    QMT_TARGET Vector Parts(unsigned char const* from) const {
+    QMT_INLINE Vector Parts(unsigned char const* from) const {
         Vector sum = QMT_BITS(setzero)();
         for (unsigned int row = 0; row < block.factor; ++row, from += block.rowStep) {
             Vector const pixels = QMT_BITS(and)(LoadLanes(from, laneOutputs * block.factor), mask);
@@ -312,13 +320,13 @@ private:
     }
 
     // The sums of output i and of i + 4.
-    QMT_TARGET Vector Two(unsigned char const* from) const {
+    QMT_INLINE Vector Two(unsigned char const* from) const {
         Vector const left = Parts(from);
         Vector const right = Parts(from + 4 * block.factor);
         return QMT_V(add_epi64)(QMT_V(unpacklo_epi64)(left, right), QMT_V(unpackhi_epi64)(left, right));
     }
 
-    QMT_TARGET Vector Eight(unsigned char const* from) const {
+    QMT_INLINE Vector Eight(unsigned char const* from) const {
         Vector sums = Two(from);
         sums = QMT_BITS(or)(sums, QMT_V(slli_epi64)(Two(from + block.factor), 16));
         sums = QMT_BITS(or)(sums, QMT_V(slli_epi64)(Two(from + 2 * block.factor), 32));
@@ -326,18 +334,19 @@ private:
         return divide(sums);
     }
 
-    BlockRow const& block;
+    BlockRow block;
     Divider divide;
     Vector mask;
 };
 
 template <class Blocks>
-QMT_TARGET std::size_t AveragePlaneBlocks(BlockRow const& block, unsigned char* averages) {
+QMT_TARGET std::size_t AveragePlaneBy(BlockRow const& block, unsigned char* averages) {
     Blocks const blocks(block);
     std::size_t const readable = blocks.Readable();
+    std::size_t const count = block.count;
     if (readable < planeOutputs)
         return 0;
-    for (std::size_t i = 0; i < block.count; i += planeOutputs) {
+    for (std::size_t i = 0; i < count; i += planeOutputs) {
         std::size_t const at = std::min(i, readable - planeOutputs);
         StoreWhole(blocks(block.first + at * block.factor), averages + at);
     }
@@ -346,7 +355,7 @@ QMT_TARGET std::size_t AveragePlaneBlocks(BlockRow const& block, unsigned char* 
 
 // A factor of 1 takes no averages of a plane.
 QMT_TARGET void AveragePlane(BlockRow const& block, unsigned char* averages) {
-    auto const average = block.factor == 2 ? AveragePlaneBlocks<PlanePairs> : AveragePlaneBlocks<PlaneBlocks>;
+    auto const average = block.factor == 2 ? AveragePlaneBy<PlanePairs> : AveragePlaneBy<PlaneBlocks>;
     portable::AveragePlane(block, average(block, averages), averages);
 }
 
@@ -359,19 +368,19 @@ struct Channels {
     Vector rows[3];
 };
 
-QMT_TARGET Channels LoadChannels(ChannelRow const& from, std::size_t at) {
+QMT_INLINE Channels LoadChannels(ChannelRow const& from, std::size_t at) {
     return {{LoadWhole(from[0] + at), LoadWhole(from[1] + at), LoadWhole(from[2] + at)}};
 }
 
 // B0 to B3, G0 to G3, R0 to R3 of packed pixels.
 constexpr Lane byChannel{0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, none, none, none, none};
 
-QMT_TARGET Vector LoadByChannel(unsigned char const* packed) {
+QMT_INLINE Vector LoadByChannel(unsigned char const* packed) {
     return QMT_V(shuffle_epi8)(LoadLanes(packed, 4 * laneOutputs), Repeat(byChannel));
 }
 
 // planeOutputs packed pixels, 16 in each lane.
-QMT_TARGET Channels LoadPacked(unsigned char const* packed) {
+QMT_INLINE Channels LoadPacked(unsigned char const* packed) {
     Vector const a = LoadByChannel(packed);
     Vector const b = LoadByChannel(packed + 16);
     Vector const c = LoadByChannel(packed + 32);
@@ -385,12 +394,15 @@ QMT_TARGET Channels LoadPacked(unsigned char const* packed) {
 constexpr Lane twelve{0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, none, none, none, none};
 
 QMT_TARGET void StorePixels(unsigned char const* packed, std::size_t count, unsigned char* to) {
-    if (count < stepOutputs)
+    if (count < planeOutputs)
         return portable::StorePixels(packed, count, to);
     Vector const order = Repeat(twelve);
-    for (std::size_t i = 0; i < count; i += stepOutputs) {
-        std::size_t const at = std::min(i, count - stepOutputs);
-        StoreTwelves(QMT_V(shuffle_epi8)(LoadWhole(packed + 4 * at), order), to + 3 * at);
+    for (std::size_t i = 0; i < count; i += planeOutputs) {
+        std::size_t const at = std::min(i, count - planeOutputs);
+        Vector parts[4];
+        for (std::size_t part = 0; part < 4; ++part)
+            parts[part] = QMT_V(shuffle_epi8)(LoadWhole(packed + 4 * at + part * sizeof(Vector)), order);
+        StoreTwelves(parts[0], parts[1], parts[2], parts[3], to + 3 * at);
     }
 }
 
@@ -409,24 +421,24 @@ constexpr std::array<std::array<Lane, 3>, 3> spreads{
      {SpreadLane(0, 1), SpreadLane(1, 1), SpreadLane(2, 1)},
      {SpreadLane(0, 2), SpreadLane(1, 2), SpreadLane(2, 2)}}};
 
-QMT_TARGET Vector Spread(Channels const& channels, std::size_t part) {
+QMT_INLINE Vector Spread(Channels const& channels, std::size_t part) {
     Vector const b = QMT_V(shuffle_epi8)(channels.rows[0], Repeat(spreads[part][0]));
     Vector const g = QMT_V(shuffle_epi8)(channels.rows[1], Repeat(spreads[part][1]));
     Vector const r = QMT_V(shuffle_epi8)(channels.rows[2], Repeat(spreads[part][2]));
     return QMT_BITS(or)(QMT_BITS(or)(b, g), r);
 }
 
-QMT_TARGET void StoreInterleaved(Channels const& channels, unsigned char* to) {
+QMT_INLINE void StoreInterleaved(Channels const& channels, unsigned char* to) {
     StoreTriple(Spread(channels, 0), Spread(channels, 1), Spread(channels, 2), to);
 }
 
 // Two coefficients of -128 to 127 for bytes that lie beside each other.
-QMT_TARGET Vector Coefficients(int first, int second) {
+QMT_INLINE Vector Coefficients(int first, int second) {
     return QMT_V(set1_epi16)(static_cast<short>((second * 256) | (first & 0xFF)));
 }
 
 // (c.b * B + c.g * G + c.r * R + 128) >> 8 for eight outputs a lane, of which bg holds B and G, r2 R and a 2.
-QMT_TARGET Vector Weighed(Vector bg, Vector r2, Vector weightBg, Vector weightR2) {
+QMT_INLINE Vector Weighed(Vector bg, Vector r2, Vector weightBg, Vector weightR2) {
     Vector const sums =
         QMT_V(add_epi16)(QMT_V(maddubs_epi16)(bg, weightBg), QMT_V(maddubs_epi16)(r2, weightR2));
     return QMT_V(srai_epi16)(sums, 8);
@@ -434,13 +446,13 @@ QMT_TARGET Vector Weighed(Vector bg, Vector r2, Vector weightBg, Vector weightR2
 
 // Y's weights lie beyond 127, so there the pixels less 128 are the signed side; the sum is less by
 // 128 * (25 + 129 + 66), which is 110 << 8.
-QMT_TARGET Vector Luma(Vector bg, Vector r2) {
+QMT_INLINE Vector Luma(Vector bg, Vector r2) {
     Vector const signedBg = QMT_BITS(xor)(bg, QMT_V(set1_epi8)(-128));
     Vector const signedR2 = QMT_BITS(xor)(r2, QMT_V(set1_epi16)(0x80));
     return Weighed(Coefficients(25, 129 - 256), Coefficients(66, 64), signedBg, signedR2);
 }
 
-QMT_TARGET Channels ToYuv(Channels const& bgr) {
+QMT_INLINE Channels ToYuv(Channels const& bgr) {
     Vector const twos = QMT_V(set1_epi8)(2);
     Vector const weightU = Coefficients(112, -74);
     Vector const weightU2 = Coefficients(-38, 64);
@@ -473,7 +485,7 @@ QMT_TARGET void ConvertToYuv(unsigned char const* packed, std::size_t count, Out
 // B, G and R in words, not yet limited, from Y - 16, U - 128 and V - 128. So that 16 bits hold everything,
 // the part of a weight that is a multiple of 256 is added behind the shift: 298 is 256 + 42, 516 is 512 + 4,
 // -208 is -256 + 48 and 409 is 512 - 103.
-QMT_TARGET Channels ToWideRgb(Vector y, Vector u, Vector v) {
+QMT_INLINE Channels ToWideRgb(Vector y, Vector u, Vector v) {
     Vector const luma =
         QMT_V(add_epi16)(QMT_V(mullo_epi16)(y, QMT_V(set1_epi16)(42)), QMT_V(set1_epi16)(128));
     Vector const b = QMT_V(add_epi16)(luma, QMT_V(slli_epi16)(u, 2));
@@ -485,7 +497,7 @@ QMT_TARGET Channels ToWideRgb(Vector y, Vector u, Vector v) {
              QMT_V(add_epi16)(QMT_V(srai_epi16)(r, 8), QMT_V(add_epi16)(y, QMT_V(add_epi16)(v, v)))}};
 }
 
-QMT_TARGET Channels ToRgb(Channels const& yuv) {
+QMT_INLINE Channels ToRgb(Channels const& yuv) {
     Vector const zero = QMT_BITS(setzero)();
     Vector const black = QMT_V(set1_epi16)(16);
     Vector const grey = QMT_V(set1_epi16)(128);
@@ -524,7 +536,7 @@ constexpr Lane DoublingLane(std::size_t part) {
 
 constexpr std::array<Lane, 3> doublings{DoublingLane(0), DoublingLane(1), DoublingLane(2)};
 
-QMT_TARGET Vector DoubledPart(unsigned char const* from, std::size_t part) {
+QMT_INLINE Vector DoubledPart(unsigned char const* from, std::size_t part) {
     return QMT_V(shuffle_epi8)(LoadLanes(from + doublingStart[part], 24), Repeat(doublings[part]));
 }
 
