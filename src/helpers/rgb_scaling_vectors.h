@@ -47,12 +47,23 @@ constexpr Lane PairsLane(std::size_t pixelStep, std::size_t pixels) {
     return lane;
 }
 
+// For pixels of 3 and of 4 bytes, of which 1 to 4 count.
+constexpr Lane pairsLanes[2][4] = {{PairsLane(3, 1), PairsLane(3, 2), PairsLane(3, 3), PairsLane(3, 4)},
+                                   {PairsLane(4, 1), PairsLane(4, 2), PairsLane(4, 3), PairsLane(4, 4)}};
+
+QMT_INLINE Vector RepeatPairs(std::size_t pixelStep, std::size_t pixels) {
+    return Repeat(pairsLanes[pixelStep - 3][pixels - 1]);
+}
+
 constexpr Lane ExpandLane(std::size_t pixelStep) {
     Lane lane{};
     for (std::size_t i = 0; i < lane.size(); ++i)
         lane[i] = i % 4 == 3 ? none : static_cast<unsigned char>(i / 4 * pixelStep + i % 4);
     return lane;
 }
+
+template <std::size_t pixelStep>
+constexpr Lane expandLane = ExpandLane(pixelStep);
 
 // 4 pixels in each lane, which lie one behind the other in memory; reads 16 bytes from the last lane's start
 // on.
@@ -67,8 +78,12 @@ constexpr std::size_t loadedPixels = 4 * laneCount;
 constexpr std::size_t stepOutputs = 4 * laneCount;
 
 // How many outputs the vectors reach that end within the source, where the last lane of the last one begins
-// `back` outputs before the end and reads `reach` bytes.
+// `back` outputs before the end and reads `reach` bytes; no more than averages have room for. Mostly that is
+// all of them, and there is no need to divide.
 std::size_t ReadableOutputs(BlockRow const& block, std::size_t back, std::size_t reach) {
+    std::size_t const enough = block.count + averagesOverrun / 4;
+    if (block.readableInLowest >= reach + enough * block.BlockStep())
+        return enough;
     return block.readableInLowest < reach ? 0 : (block.readableInLowest - reach) / block.BlockStep() + back;
 }
 
@@ -78,7 +93,7 @@ std::size_t ReadableOutputs(BlockRow const& block, std::size_t back, std::size_t
 template <std::size_t pixelStep>
 class AverageOfOnes {
 public:
-    QMT_INLINE explicit AverageOfOnes(BlockRow const&) : expand(Repeat(ExpandLane(pixelStep))) {}
+    QMT_INLINE explicit AverageOfOnes(BlockRow const&) : expand(Repeat(expandLane<pixelStep>)) {}
 
     static std::size_t Readable(BlockRow const& block) { return ReadableOutputs(block, 4, 16); }
 
@@ -94,7 +109,7 @@ template <std::size_t pixelStep>
 class AverageOfTwos {
 public:
     QMT_INLINE explicit AverageOfTwos(BlockRow const& block)
-        : rowStep(block.rowStep), pairs(Repeat(PairsLane(pixelStep, 4))), ones(QMT_V(set1_epi8)(1)) {}
+        : rowStep(block.rowStep), pairs(RepeatPairs(pixelStep, 4)), ones(QMT_V(set1_epi8)(1)) {}
 
     static std::size_t Readable(BlockRow const& block) { return ReadableOutputs(block, 2, 16); }
 
@@ -120,7 +135,7 @@ template <std::size_t pixelStep>
 class AverageOfFours {
 public:
     QMT_INLINE explicit AverageOfFours(BlockRow const& block)
-        : rowStep(block.rowStep), pairs(Repeat(PairsLane(pixelStep, 4))), ones(QMT_V(set1_epi8)(1)) {}
+        : rowStep(block.rowStep), pairs(RepeatPairs(pixelStep, 4)), ones(QMT_V(set1_epi8)(1)) {}
 
     static std::size_t Readable(BlockRow const& block) { return ReadableOutputs(block, 1, 16); }
 
@@ -181,8 +196,8 @@ public:
     QMT_INLINE explicit AverageOfBlocks(BlockRow const& row)
         : block(row),
           divide(row.factor),
-          pairs(Repeat(PairsLane(row.pixelStep, 4))),
-          lastPairs(Repeat(PairsLane(row.pixelStep, row.factor - 4 * (groups - 1)))),
+          pairs(RepeatPairs(row.pixelStep, 4)),
+          lastPairs(RepeatPairs(row.pixelStep, row.factor - 4 * (groups - 1))),
           ones(QMT_V(set1_epi8)(1)) {}
 
     static std::size_t Readable(BlockRow const& block) {
