@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds the release preset's benchmarks of the chain and of traces, runs them and prints the ratios reached
-# beside their aims: scripts/bench.sh [--realtime] [NAME...]
+# Builds the release preset's benchmarks that have aims, runs them and prints the ratios reached beside their aims:
+# scripts/bench.sh [--realtime] [NAME...]
 #
 #   --realtime  runs them with real-time priority, which keeps the machine's other work out of the figures
 #               and stops that work meanwhile; needs the right to do so
-#   NAME        ring, chain, parallel, latency, event or trace; all of them by default
+#   NAME        ring, chain, parallel, latency, event, trace or rgb; all of them by default
 #
 # Raw results go to build/bench/<name>.json. QMT_BENCH_REPETITIONS sets how often each is repeated (9).
 set -euo pipefail
@@ -20,7 +20,7 @@ if [[ ${1:-} == --realtime ]]; then
 fi
 names=("$@")
 if ((${#names[@]} == 0)); then
-    names=(ring chain parallel latency event trace)
+    names=(ring chain parallel latency event trace rgb)
 fi
 
 need_packages "${build_packages[@]}"

@@ -64,7 +64,26 @@ def trace_rows():
             yield f"Trace/Qmt/threads:{threads}", f"Trace/{peer}/threads:{threads}", TIME, None
 
 
-ROWS = [*ring_rows(), *chain_rows(), *parallel_rows(), *latency_rows(), *event_rows(), *trace_rows()]
+def rgb_rows():
+    for what in ("Shrink", "ShrinkToYuv"):
+        for bytes_per_pixel in (4, 3):
+            for factor in (2, 4):
+                shape = f"bytes:{bytes_per_pixel}/by:{factor}"
+                for peer, aim in (("Libyuv", 0.9), ("Swscale", None)):
+                    yield f"Rgb/{what}/Qmt/{shape}", f"Rgb/{what}/{peer}/{shape}", TIME, aim
+    for peer, aim in (("Memset", 0.95), ("Swscale", None)):
+        yield "Rgb/Double/Qmt", f"Rgb/Double/{peer}", TIME, aim
+
+
+ROWS = [
+    *ring_rows(),
+    *chain_rows(),
+    *parallel_rows(),
+    *latency_rows(),
+    *event_rows(),
+    *trace_rows(),
+    *rgb_rows(),
+]
 
 
 def plain_name(result):

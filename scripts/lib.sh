@@ -9,7 +9,7 @@ jobs=${QMT_JOBS:-$(nproc)}
 build_packages=(cmake ninja-build g++ python3 tzdata
     libutfcpp-dev libgtest-dev libbenchmark-dev libsndfile1-dev libsqlite3-dev pkgconf
     libboost-dev libtbb-dev libcctz-dev libgumbo-dev libxml2-dev libpcre2-dev
-    qt6-base-dev libglib2.0-dev libspdlog-dev)
+    qt6-base-dev libglib2.0-dev libspdlog-dev libyuv-dev libswscale-dev libpng-dev libjpeg-dev)
 # What the checks and the other presets take besides.
 # shellcheck disable=SC2034
 check_packages=(clang-14 libclang-rt-14-dev llvm-14 clang-format-14 clang-tidy-14 binutils shellcheck wine64)

@@ -100,6 +100,7 @@ run_examples() {
     "$examples/readme_example"
     "$examples/settings" registry "$work"
     TZ=America/St_Johns "$examples/day_slots"
+    "$examples/thumbnail" "$root/docs/images/page_before.png" "$work/thumbnail.png" --by 3
 }
 
 # The tests of what processes do to each other's settings, with all their rounds.
