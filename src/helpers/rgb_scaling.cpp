@@ -1,6 +1,7 @@
 #include "qmt/helpers/rgb_scaling.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 
 #include "helpers/rgb_scaling_kernels.h"
@@ -16,8 +17,10 @@ constexpr unsigned int largestFactor = 15;
 // Outputs that fit no cache beside their source.
 constexpr std::uint64_t streamedByDefault = 32 << 20;
 
-// An output row is doubled in parts of this size on its way past the caches: whole cache lines, on the stack.
-constexpr std::size_t streamedPixels = 640;
+// Rows are doubled in parts of this size where they do not go straight into the output: larger than what a
+// processor has in its store queue, since what is still there cannot be loaded in other pieces than it was
+// stored in.
+constexpr std::size_t streamedPixels = 1280;
 
 bool IsInTable(RGBConversionType conversion) {
     return conversion == RGBPlain || conversion == RGBToYUV || conversion == YUVToRGB;
@@ -126,6 +129,41 @@ void DownsizePixels(Kernels const& kernels, BlockRows const& source, Output cons
     }
 }
 
+// Writes past the caches, in whole cache lines but for the first and the last: a line that is written in two
+// parts costs several times as much.
+class LineStream {
+public:
+    LineStream(Kernels const& inner, unsigned char* output) : kernels(inner), to(output) {}
+
+    // For 6 * streamedPixels bytes, which Append then takes.
+    unsigned char* Room() { return held + heldSize; }
+
+    void Append(std::size_t size) {
+        heldSize += size;
+        std::size_t const begun = (reinterpret_cast<std::uintptr_t>(to) + heldSize) % lineSize;
+        if (heldSize < begun)
+            return;
+        std::size_t const whole = heldSize - begun;
+        kernels.stream(held, whole, to);
+        std::memmove(held, held + whole, begun);
+        to += whole;
+        heldSize = begun;
+    }
+
+    void Finish() {
+        kernels.stream(held, heldSize, to);
+        kernels.finishStreams();
+    }
+
+private:
+    static constexpr std::size_t lineSize = 64;
+
+    Kernels const& kernels;
+    unsigned char* to;
+    std::size_t heldSize = 0;
+    alignas(lineSize) unsigned char held[6 * streamedPixels + lineSize];
+};
+
 // The rows of a packed picture, to be doubled.
 class RowDoubler {
 public:
@@ -141,12 +179,11 @@ public:
     }
 
     // The same past the caches.
-    void Stream(std::size_t pixel, std::size_t count, unsigned char* to) const {
-        unsigned char doubled[6 * streamedPixels];
+    void Stream(std::size_t pixel, std::size_t count, LineStream& stream) const {
         for (std::size_t done = 0; done < count; done += streamedPixels) {
             std::size_t const part = std::min(streamedPixels, count - done);
-            Double(pixel + done, part, doubled);
-            kernels.stream(doubled, 6 * part, to + 6 * done);
+            Double(pixel + done, part, stream.Room());
+            stream.Append(6 * part);
         }
     }
 
@@ -196,23 +233,28 @@ void DoubleUp(Kernels const& kernels, std::uint64_t streamedSize, unsigned char 
     if (!IsInTable(conversion))
         return;
     std::size_t const width = sourceWidth;
+    std::size_t const height = sourceHeight;
     std::size_t const rowLength = 6 * width;
-    bool const isStreamed = conversion != RGBToYUV && Product(2 * rowLength, sourceHeight) >= streamedSize;
-    RowDoubler const doubler(kernels, source, {sourceWidth, sourceHeight}, conversion);
-    for (std::size_t row = 0; row < sourceHeight; ++row) {
+    RowDoubler const doubler(kernels, source, {width, height}, conversion);
+    if (conversion != RGBToYUV && 2 * rowLength * height >= streamedSize) {
+        LineStream stream(kernels, destination);
+        for (std::size_t row = 0; row < 2 * height; ++row)
+            doubler.Stream(row / 2 * width, width, stream);
+        stream.Finish();
+        return;
+    }
+    for (std::size_t row = 0; row < height; ++row) {
         unsigned char* const upper = destination + 2 * row * rowLength;
         unsigned char* const lower = upper + rowLength;
-        if (isStreamed) {
-            doubler.Stream(row * width, width, upper);
-            doubler.Stream(row * width, width, lower);
-            continue;
-        }
         if (conversion != RGBToYUV)
             doubler.Double(row * width, width, upper);
-        kernels.copy(upper, rowLength, lower);
+        // The source row is half as long and in the nearest cache: without a conversion it is the faster
+        // copy.
+        if (conversion == RGBPlain)
+            doubler.Double(row * width, width, lower);
+        else
+            kernels.copy(upper, rowLength, lower);
     }
-    if (isStreamed)
-        kernels.finishStreams();
 }
 
 } // namespace scaling

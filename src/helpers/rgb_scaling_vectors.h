@@ -582,9 +582,8 @@ QMT_TARGET void Copy(unsigned char const* from, std::size_t size, unsigned char*
 
 QMT_TARGET void Stream(unsigned char const* from, std::size_t size, unsigned char* to) {
     constexpr std::size_t width = sizeof(Vector);
-    std::size_t const head = std::min(size, (width - reinterpret_cast<std::uintptr_t>(to) % width) % width);
-    std::memcpy(to, from, head);
-    std::size_t done = head;
+    std::size_t done = std::min(size, (width - reinterpret_cast<std::uintptr_t>(to) % width) % width);
+    std::memcpy(to, from, done);
     for (; size - done >= width; done += width)
         QMT_BITS(stream)(reinterpret_cast<Vector*>(to + done), LoadWhole(from + done));
     std::memcpy(to + done, from + done, size - done);

@@ -140,10 +140,10 @@ TEST(RgbScalingTest, EveryShrunkByteIsAsReckoned) {
 
 TEST(RgbScalingTest, EveryDoubledByteIsAsReckoned) {
     std::mt19937 random = SeededGenerator();
-    Bytes const content = RandomBytes(random, 1 << 14);
+    Bytes const content = RandomBytes(random, 1 << 15);
     for (unsigned int round = 0; round < 60; ++round) {
         auto const width =
-            static_cast<unsigned int>(round < 4 ? 1000 + round : random() % 70); // or in two parts
+            static_cast<unsigned int>(round < 4 ? 1300 + round : random() % 70); // or in two parts
         auto const height = static_cast<unsigned int>(round < 4 ? 1 : random() % 4);
         RGBConversionType const conversion = round % 2 == 0 ? RGBPlain : YUVToRGB;
         Reference reference{content, Bytes(12 * width * height)};
