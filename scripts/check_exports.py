@@ -21,6 +21,11 @@ PRIVATE = re.compile(r"\bQMT::(platform|detail|scaling)::")
 PRIVATE_AND_EXPORTED = {
     "QMT::platform::CurrentWaitBackend()",
     "QMT::platform::ForceWaitBackend(QMT::platform::WaitBackend)",
+    "QMT::scaling::DoubleUp(QMT::scaling::Kernels const&, unsigned long, unsigned char const*, unsigned int, "
+    "unsigned int, unsigned char*, QMT::RGBConversionType)",
+    "QMT::scaling::Downsize(QMT::scaling::Kernels const&, unsigned char const*, unsigned int, unsigned int, "
+    "unsigned int, unsigned int, unsigned char*, unsigned int, unsigned int, QMT::RGBConversionType, unsigned long)",
+    "QMT::scaling::FindKernels(QMT::scaling::Level)",
 }
 
 RING = "QMT::RotatingFixedBuffers::"

@@ -248,6 +248,7 @@ QMT_TARGET std::size_t AverageBy(BlockRow const& block, unsigned char* packed) {
     std::size_t const steps = std::min(wanted, readable / stepOutputs);
     unsigned char const* from = block.first;
     unsigned char* to = packed;
+#pragma GCC unroll 8 // the steps for small factors are short
     for (std::size_t i = 0; i < steps; ++i, from += stepOutputs * blockStep, to += sizeof(Vector))
         StoreWhole(average(from), to);
     std::size_t const lastStart = readable - stepOutputs;
