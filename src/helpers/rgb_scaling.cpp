@@ -172,10 +172,11 @@ public:
 
     // Each of the pixels twice in a row.
     void Double(std::size_t pixel, std::size_t count, unsigned char* to) const {
+        unsigned char const* const y = first + pixel;
         if (conversion == RGBPlain)
             kernels.doublePixels(first + 3 * pixel, count, to);
         else
-            DoubleConverted(pixel, count, to);
+            kernels.doubleYuv({y, y + planeStep, y + 2 * planeStep}, count, to);
     }
 
     // The same past the caches.
@@ -188,16 +189,6 @@ public:
     }
 
 private:
-    void DoubleConverted(std::size_t pixel, std::size_t count, unsigned char* to) const {
-        unsigned char converted[3 * streamedPixels];
-        for (std::size_t done = 0; done < count; done += streamedPixels) {
-            std::size_t const part = std::min(streamedPixels, count - done);
-            unsigned char const* const y = first + pixel + done;
-            kernels.convertToRgb({y, y + planeStep, y + 2 * planeStep}, part, converted);
-            kernels.doublePixels(converted, part, to + 6 * done);
-        }
-    }
-
     Kernels const& kernels;
     unsigned char const* first;
     std::size_t planeStep;

@@ -37,6 +37,11 @@ QMT_TARGET inline void StoreWhole(Vector bytes, unsigned char* to) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), bytes);
 }
 
+QMT_TARGET inline void StoreLanes(Vector bytes, unsigned char* to, std::size_t step) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(bytes));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + step), _mm256_extracti128_si256(bytes, 1));
+}
+
 QMT_TARGET inline Vector Repeat(std::array<unsigned char, 16> const& lane) {
     return _mm256_broadcastsi128_si256(LoadLane(lane.data()));
 }

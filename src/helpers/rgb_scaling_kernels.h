@@ -41,6 +41,7 @@ struct Kernels {
     void (*convertToYuv)(unsigned char const* packed, std::size_t count, OutputChannelRow const& to);
     void (*convertToRgb)(ChannelRow const& from, std::size_t count, unsigned char* to); // interleaved
     void (*doublePixels)(unsigned char const* from, std::size_t count, unsigned char* to);
+    void (*doubleYuv)(ChannelRow const& from, std::size_t count, unsigned char* to); // interleaved
     void (*copy)(unsigned char const* from, std::size_t size, unsigned char* to);
     // Copies past the caches, where the processor can. finishStreams orders the copies before later stores.
     void (*stream)(unsigned char const* from, std::size_t size, unsigned char* to);

@@ -88,6 +88,13 @@ void DoublePixels(unsigned char const* from, std::size_t count, unsigned char* t
     }
 }
 
+void DoubleYuv(ChannelRow const& from, std::size_t count, unsigned char* to) {
+    for (std::size_t i = 0; i < count; ++i, to += 6) {
+        ConvertToRgb({from[0] + i, from[1] + i, from[2] + i}, 1, to);
+        std::memcpy(to + 3, to, 3);
+    }
+}
+
 constexpr Kernels kernels{.name = "portable",
                           .averagePixels = AverageAllPixels,
                           .averagePlane = AverageWholePlane,
@@ -95,6 +102,7 @@ constexpr Kernels kernels{.name = "portable",
                           .convertToYuv = ConvertToYuv,
                           .convertToRgb = ConvertToRgb,
                           .doublePixels = DoublePixels,
+                          .doubleYuv = DoubleYuv,
                           .copy = Copy,
                           .stream = Copy,
                           .finishStreams = DoNothing};

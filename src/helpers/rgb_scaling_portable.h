@@ -13,6 +13,7 @@ void StorePixels(unsigned char const* packed, std::size_t count, unsigned char* 
 void ConvertToYuv(unsigned char const* packed, std::size_t count, OutputChannelRow const& to);
 void ConvertToRgb(ChannelRow const& from, std::size_t count, unsigned char* to);
 void DoublePixels(unsigned char const* from, std::size_t count, unsigned char* to);
+void DoubleYuv(ChannelRow const& from, std::size_t count, unsigned char* to);
 
 extern Kernels const kernels;
 

@@ -33,6 +33,10 @@ QMT_TARGET inline void StoreWhole(Vector bytes, unsigned char* to) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), bytes);
 }
 
+QMT_TARGET inline void StoreLanes(Vector bytes, unsigned char* to, std::size_t) {
+    StoreWhole(bytes, to);
+}
+
 QMT_TARGET inline Vector Repeat(std::array<unsigned char, 16> const& lane) {
     return LoadWhole(lane.data());
 }

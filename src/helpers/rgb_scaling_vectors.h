@@ -5,6 +5,7 @@
 //
 //     laneCount                  16-byte lanes of a vector
 //     LoadLanes(from, step)      lane i from from + i * step
+//     StoreLanes(v, to, step)    the same backwards
 //     LoadWhole, StoreWhole      a vector that is contiguous in memory
 //     Repeat(lane)               the same 16 bytes in each lane
 //     InTurns2(v), InTurns4(v)   puts 8 or 4 bytes of each lane by turns, from what was first in each lane on
@@ -567,6 +568,29 @@ QMT_TARGET void DoublePixels(unsigned char const* from, std::size_t count, unsig
     }
 }
 
+// 16 outputs in each lane become 32, that is 96 bytes.
+QMT_INLINE void StoreDoubled(Channels const& rgb, unsigned char* to) {
+    Vector const b = rgb.rows[0];
+    Vector const g = rgb.rows[1];
+    Vector const r = rgb.rows[2];
+    Channels const left{{QMT_V(unpacklo_epi8)(b, b), QMT_V(unpacklo_epi8)(g, g), QMT_V(unpacklo_epi8)(r, r)}};
+    Channels const right{
+        {QMT_V(unpackhi_epi8)(b, b), QMT_V(unpackhi_epi8)(g, g), QMT_V(unpackhi_epi8)(r, r)}};
+    for (std::size_t part = 0; part < 3; ++part) {
+        StoreLanes(Spread(left, part), to + 16 * part, 96);
+        StoreLanes(Spread(right, part), to + 48 + 16 * part, 96);
+    }
+}
+
+QMT_TARGET void DoubleYuv(ChannelRow const& from, std::size_t count, unsigned char* to) {
+    if (count < planeOutputs)
+        return portable::DoubleYuv(from, count, to);
+    for (std::size_t i = 0; i < count; i += planeOutputs) {
+        std::size_t const at = std::min(i, count - planeOutputs);
+        StoreDoubled(ToRgb(LoadChannels(from, at)), to + 6 * at);
+    }
+}
+
 // ---- copies
 
 QMT_TARGET void Copy(unsigned char const* from, std::size_t size, unsigned char* to) {
@@ -603,6 +627,7 @@ constexpr Kernels QMT_TABLE{.name = QMT_NAME,
                             .convertToYuv = ConvertToYuv,
                             .convertToRgb = ConvertToRgb,
                             .doublePixels = DoublePixels,
+                            .doubleYuv = DoubleYuv,
                             .copy = Copy,
                             .stream = Stream,
                             .finishStreams = FinishStreams};
