@@ -11,22 +11,13 @@ unsigned char Limited(int value) {
     return static_cast<unsigned char>(std::clamp(value, 0, 255));
 }
 
-unsigned int SumOfChannel(BlockRow const& block, unsigned char const* from) {
+unsigned char AverageOfChannel(BlockRow const& block, unsigned char const* from) {
     unsigned int sum = 0;
     for (unsigned int row = 0; row < block.factor; ++row, from += block.rowStep)
         for (unsigned int column = 0; column < block.factor; ++column)
             sum += from[column * block.pixelStep];
-    return sum;
-}
-
-// Puts averages `step` bytes apart.
-void AverageChannel(BlockRow const& block, std::size_t begin, std::size_t channel, std::size_t step,
-                    unsigned char* averages) {
-    unsigned int const pixels = block.factor * block.factor;
-    for (std::size_t i = begin; i < block.count; ++i) {
-        unsigned int const sum = SumOfChannel(block, block.first + i * block.BlockStep() + channel);
-        averages[i * step + channel] = static_cast<unsigned char>(sum / pixels);
-    }
+    // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): a block has pixels
+    return static_cast<unsigned char>(sum / (block.factor * block.factor));
 }
 
 void AverageAllPixels(BlockRow const& block, unsigned char* packed) {
@@ -46,12 +37,15 @@ void DoNothing() {}
 } // namespace
 
 void AveragePixels(BlockRow const& block, std::size_t begin, unsigned char* packed) {
-    for (std::size_t channel = 0; channel < 3; ++channel)
-        AverageChannel(block, begin, channel, 4, packed);
+    unsigned char const* from = block.first + begin * block.BlockStep();
+    for (std::size_t i = begin; i < block.count; ++i, from += block.BlockStep())
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            packed[4 * i + channel] = AverageOfChannel(block, from + channel);
 }
 
 void AveragePlane(BlockRow const& block, std::size_t begin, unsigned char* averages) {
-    AverageChannel(block, begin, 0, 1, averages);
+    for (std::size_t i = begin; i < block.count; ++i)
+        averages[i] = AverageOfChannel(block, block.first + i * block.BlockStep());
 }
 
 void StorePixels(unsigned char const* packed, std::size_t count, unsigned char* to) {

@@ -26,6 +26,8 @@
 // Without it some compilers call these within the loops, with their vectors in memory.
 #define QMT_INLINE QMT_TARGET __attribute__((always_inline)) inline
 
+// NOLINTBEGIN(misc-definitions-in-headers): each source that includes this gets loops of its own
+
 namespace QMT::scaling {
 
 namespace {
@@ -633,3 +635,5 @@ constexpr Kernels QMT_TABLE{.name = QMT_NAME,
                             .finishStreams = FinishStreams};
 
 } // namespace QMT::scaling
+
+// NOLINTEND(misc-definitions-in-headers)
