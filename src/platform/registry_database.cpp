@@ -8,6 +8,15 @@ namespace {
 
 constexpr std::int64_t formatVersion = 1;
 
+// 0 for a file with nothing in it, -1 for one of another program.
+constexpr char selectVersion[] = R"(
+    SELECT CASE
+        WHEN application_id = 0x514D5452 THEN user_version
+        WHEN user_version = 0 AND NOT EXISTS (SELECT 1 FROM sqlite_master) THEN 0
+        ELSE -1 END
+    FROM pragma_application_id, pragma_user_version
+)";
+
 // The number in front marks the file as one of this library.
 constexpr char makeTables[] = R"(
     PRAGMA application_id = 0x514D5452;
@@ -82,11 +91,6 @@ SystemError DatabaseStore::SetUp() {
             return error;
         }
     }
-    if (!database.IsReadOnly()) {
-        if (SystemError const error = database.UseWriteAheadLog()) {
-            return error;
-        }
-    }
     if (SystemError const error = MakeTables()) {
         return error;
     }
@@ -98,27 +102,34 @@ SystemError DatabaseStore::SetUp() {
     return 0;
 }
 
-// Makes the tables in a file that has none yet, which several processes may find at once.
+// Turns the log on, and makes the tables in a file that has none yet, which several processes may find at
+// once. A file that is none of the library's stays as it is.
 SystemError DatabaseStore::MakeTables() {
     std::int64_t version = 0;
-    SystemError error = database.ReadNumber("PRAGMA user_version", version);
-    if (!error && version == 0 && database.IsReadOnly()) {
-        return nothingThere;
+    if (SystemError const error = database.ReadNumber(selectVersion, version)) {
+        return error;
     }
-    if (!error && version == 0) {
+    bool const isEmpty = version == 0;
+    if (!isEmpty && version != formatVersion) {
+        return ENOTSUP;
+    }
+    if (database.IsReadOnly()) {
+        return isEmpty ? nothingThere : 0;
+    }
+    SystemError error = database.UseWriteAheadLog();
+    if (!error && isEmpty) {
         error = database.Run("BEGIN IMMEDIATE");
         if (!error) {
-            error = database.ReadNumber("PRAGMA user_version", version);
+            error = database.ReadNumber(selectVersion, version);
         }
         if (!error && version == 0) {
             error = database.Run(makeTables);
-            version = formatVersion;
         }
         if (!error) {
             error = database.Run("COMMIT");
         }
     }
-    return error || version == formatVersion ? error : SystemError{ENOTSUP};
+    return error;
 }
 
 // ---- transactions

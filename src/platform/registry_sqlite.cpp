@@ -1,5 +1,7 @@
 #include "platform/registry_sqlite.h"
 
+#include <chrono>
+
 #include "platform/utf8_text.h"
 
 namespace QMT::platform {
@@ -140,13 +142,13 @@ SystemError Database::ReadNumber(char const* statement, std::int64_t& number) {
 }
 
 SystemError Database::UseWriteAheadLog() {
-    // The change of mode does not wait for others by itself.
-    SystemError error = EBUSY;
-    for (int waited = 0; error == EBUSY && waited < longestWait; waited += shortWait) {
-        error = Run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL");
-        if (error == EBUSY) {
-            sqlite3_sleep(shortWait);
-        }
+    // The change of mode does not always wait for others by itself.
+    auto const end = std::chrono::steady_clock::now() + std::chrono::milliseconds(longestWait);
+    constexpr char change[] = "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL";
+    SystemError error = Run(change);
+    while (error == EBUSY && std::chrono::steady_clock::now() < end) {
+        sqlite3_sleep(shortWait);
+        error = Run(change);
     }
     return error;
 }

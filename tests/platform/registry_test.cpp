@@ -268,12 +268,20 @@ TEST_F(RegistryDatabaseTest, AValueThatOthersMakeLongerIsReadAsItWas) {
 
 TEST_F(RegistryDatabaseTest, RefusesFilesThatAreNoneOfIts) {
     std::ofstream(directory.Place() / "user.db") << std::string(5000, 'x');
-    sqlite3* newer = nullptr;
-    sqlite3_open((directory.Place() / "machine.db").c_str(), &newer);
-    ASSERT_EQ(sqlite3_exec(newer, "PRAGMA user_version = 2", nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(newer);
-    EXPECT_EQ((Results{calls.Open(user, u"Software"), calls.Open(machine, u"Software")}),
-              (Results{EIO, ENOTSUP}));
+    EXPECT_EQ(calls.Open(user, u"Software"), EIO);
+    std::string const foreign = "CREATE TABLE mine (x); PRAGMA user_version = ";
+    for (std::string const& content :
+         {foreign + "0", foreign + "1",
+          std::string("PRAGMA application_id = 0x514D5452; PRAGMA user_version = 2")}) {
+        fs::remove(directory.Place() / "machine.db");
+        sqlite3* other = nullptr;
+        sqlite3_open((directory.Place() / "machine.db").c_str(), &other);
+        ASSERT_EQ(sqlite3_exec(other, content.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(other);
+        std::string const before = ContentOf(directory.Place() / "machine.db");
+        EXPECT_EQ(calls.Open(machine, u"Software"), ENOTSUP);
+        EXPECT_EQ(ContentOf(directory.Place() / "machine.db"), before) << content;
+    }
     EXPECT_EQ(ContentOf(directory.Place() / "user.db"), std::string(5000, 'x'));
     auto const nowhere = MakeDatabaseRegistry(directory.Path(), u"");
     RegistryCalls none{*nowhere};
