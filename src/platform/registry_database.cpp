@@ -48,7 +48,9 @@ std::array<char const*, DatabaseStore::StatementCount> const DatabaseStore::stat
     "DELETE FROM keys WHERE number = ?",
     "SELECT parent, name FROM keys WHERE number = ?",
     "SELECT name FROM keys WHERE parent = ? ORDER BY name LIMIT 1 OFFSET ?",
+    "SELECT name FROM keys WHERE parent = ? AND name > ? ORDER BY name LIMIT 1",
     "SELECT name, type FROM entries WHERE key = ? ORDER BY name LIMIT 1 OFFSET ?",
+    "SELECT name, type FROM entries WHERE key = ? AND name > ? ORDER BY name LIMIT 1",
     "SELECT type, data FROM entries WHERE key = ? AND name = ?",
     "DELETE FROM entries WHERE key = ? AND name = ?",
     "INSERT INTO entries SELECT ?1, ?2, ?3, ?4 WHERE EXISTS (SELECT 1 FROM keys WHERE number = ?1) "
@@ -163,6 +165,12 @@ void DatabaseStore::RollBack() {
 
 // ---- operations
 
+// What has been written through this store may stand in front of the name listed last.
+void DatabaseStore::ForgetListedNames() {
+    listedKey.key = 0;
+    listedValue.key = 0;
+}
+
 SystemError DatabaseStore::FindKey(KeyNumber parent, RegistryTextView name, KeyNumber& key) {
     Query query(Prepared(SelectKey));
     SystemError const error = query.Bind(parent).Bind(name).NextRow();
@@ -173,6 +181,7 @@ SystemError DatabaseStore::FindKey(KeyNumber parent, RegistryTextView name, KeyN
 }
 
 SystemError DatabaseStore::AddKey(KeyNumber parent, RegistryTextView name, KeyNumber& key) {
+    ForgetListedNames();
     Query query(Prepared(InsertKey));
     SystemError const error = query.Bind(parent).Bind(name).NextRow();
     if (!error) {
@@ -182,6 +191,7 @@ SystemError DatabaseStore::AddKey(KeyNumber parent, RegistryTextView name, KeyNu
 }
 
 SystemError DatabaseStore::RemoveKey(KeyNumber key) {
+    ForgetListedNames();
     SystemError const error = Query(Prepared(DeleteValuesOfKey)).Bind(key).Run();
     return error ? error : Query(Prepared(DeleteKey)).Bind(key).Run();
 }
@@ -196,22 +206,35 @@ SystemError DatabaseStore::LocateKey(KeyNumber key, KeyNumber& parent, RegistryT
     return error == nothingThere ? keyIsGone : error;
 }
 
-SystemError DatabaseStore::KeyNameAt(KeyNumber parent, std::uint32_t index, RegistryText& name) {
-    Query query(Prepared(SelectKeyName));
-    SystemError const error = query.Bind(parent).Bind(std::int64_t{index}).NextRow();
+SystemError DatabaseStore::ListName(StatementIndex anywhere, KeyNumber key, std::uint32_t index,
+                                    ListedName& last, std::uint32_t* type) {
+    bool const goesOn = last.key == key && last.index + 1 == index;
+    Query query(Prepared(goesOn ? static_cast<StatementIndex>(anywhere + 1) : anywhere));
+    query.Bind(key);
+    goesOn ? query.Bind(last.name) : query.Bind(std::int64_t{index});
+    SystemError const error = query.NextRow();
     if (!error) {
-        name = query.Text(0);
+        last = {key, index, query.Text(0)};
+        if (type) {
+            *type = static_cast<std::uint32_t>(query.Number(1));
+        }
+    }
+    return error;
+}
+
+SystemError DatabaseStore::KeyNameAt(KeyNumber parent, std::uint32_t index, RegistryText& name) {
+    SystemError const error = ListName(SelectKeyName, parent, index, listedKey, nullptr);
+    if (!error) {
+        name = listedKey.name;
     }
     return error;
 }
 
 SystemError DatabaseStore::ValueNameAt(KeyNumber key, std::uint32_t index, RegistryText& name,
                                        std::uint32_t& type) {
-    Query query(Prepared(SelectValueName));
-    SystemError const error = query.Bind(key).Bind(std::int64_t{index}).NextRow();
+    SystemError const error = ListName(SelectValueName, key, index, listedValue, &type);
     if (!error) {
-        name = query.Text(0);
-        type = static_cast<std::uint32_t>(query.Number(1));
+        name = listedValue.name;
     }
     return error;
 }
@@ -227,12 +250,14 @@ SystemError DatabaseStore::ReadValue(KeyNumber key, RegistryTextView name, Regis
 }
 
 SystemError DatabaseStore::RemoveValue(KeyNumber key, RegistryTextView name) {
+    ForgetListedNames();
     SystemError const error = Query(Prepared(DeleteValue)).Bind(key).Bind(name).Run();
     return error || database.Changes() > 0 ? error : nothingThere;
 }
 
 SystemError DatabaseStore::WriteValue(KeyNumber key, RegistryTextView name, std::uint32_t type,
                                       std::string_view bytes) {
+    ForgetListedNames();
     Query query(Prepared(UpsertValue));
     SystemError const error = query.Bind(key).Bind(name).Bind(std::int64_t{type}).BindBytes(bytes).Run();
     return error || database.Changes() > 0 ? error : keyIsGone;

@@ -38,7 +38,9 @@ private:
         DeleteKey,
         SelectPlace,
         SelectKeyName,
+        SelectNextKeyName,
         SelectValueName,
+        SelectNextValueName,
         SelectValue,
         DeleteValue,
         UpsertValue,
@@ -46,6 +48,13 @@ private:
     };
 
     static std::array<char const*, StatementCount> const statementTexts;
+
+    // The name that was listed last, so that the next one is found without counting from the first.
+    struct ListedName {
+        KeyNumber key = 0;
+        std::uint32_t index = 0;
+        RegistryText name;
+    };
 
     SystemError MakeReady(bool forWriting) override;
     SystemError Begin(Span span) override;
@@ -56,6 +65,12 @@ private:
     SystemError SetUp();
     SystemError MakeTables();
 
+    // The name at the index, by the statement for any index or the one behind it, which goes on from the
+    // last. It becomes the last.
+    SystemError ListName(StatementIndex anywhere, KeyNumber key, std::uint32_t index, ListedName& last,
+                         std::uint32_t* type);
+    void ForgetListedNames();
+
     sqlite3_stmt& Prepared(StatementIndex index) { return *statements[index]; }
 
     std::string path;
@@ -63,6 +78,8 @@ private:
     Database database;
     std::array<Database::Statement, StatementCount> statements;
     bool isInSpan = false;
+    ListedName listedKey;
+    ListedName listedValue;
 };
 
 } // namespace QMT::platform

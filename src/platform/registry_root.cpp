@@ -163,30 +163,39 @@ SystemError RegistryRoot::ReadValues(KeyNumber key, std::vector<SavedValue>& val
     return error == nothingThere ? 0 : error;
 }
 
-SystemError RegistryRoot::ReadTreeAt(KeyNumber key, RegistryText path, std::vector<SavedKey>& keys) {
-    SavedKey saved{path, {}};
-    SystemError error = ReadValues(key, saved.values);
-    keys.push_back(std::move(saved));
-    RegistryText element;
-    for (std::uint32_t index = 0; !error; ++index) {
-        error = store->KeyNameAt(key, index, element);
-        KeyNumber subKey = 0;
+SystemError RegistryRoot::ReadSubKeyNames(KeyNumber key, std::vector<RegistryText>& names) {
+    SystemError error = 0;
+    for (RegistryText element; !error;) {
+        error = store->KeyNameAt(key, static_cast<std::uint32_t>(names.size()), element);
         if (!error) {
-            error = store->FindKey(key, element, subKey);
-        }
-        if (!error) {
-            RegistryText subPath = path;
-            subPath.append(1, u'\\').append(element);
-            error = ReadTreeAt(subKey, std::move(subPath), keys);
+            names.push_back(element);
         }
     }
     return error == nothingThere ? 0 : error;
 }
 
+SystemError RegistryRoot::ReadTreeAt(KeyNumber key, RegistryText const& path, std::vector<SavedKey>& keys) {
+    SavedKey saved{path, {}};
+    SystemError error = ReadValues(key, saved.values);
+    keys.push_back(std::move(saved));
+    std::vector<RegistryText> names;
+    if (!error) {
+        error = ReadSubKeyNames(key, names);
+    }
+    for (std::size_t i = 0; i < names.size() && !error; ++i) {
+        KeyNumber subKey = 0;
+        error = store->FindKey(key, names[i], subKey);
+        if (!error) {
+            error = ReadTreeAt(subKey, RegistryText(path).append(1, u'\\').append(names[i]), keys);
+        }
+    }
+    return error;
+}
+
 SystemError RegistryRoot::ReadTree(KeyNumber key, std::vector<SavedKey>& keys) {
     RegistryText path;
     SystemError const error = PathOf(key, path);
-    return error ? error : ReadTreeAt(key, std::move(path), keys);
+    return error ? error : ReadTreeAt(key, path, keys);
 }
 
 } // namespace QMT::platform

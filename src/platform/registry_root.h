@@ -55,7 +55,8 @@ private:
     SystemError RemoveFound(KeyNumber key);
     SystemError PathOf(KeyNumber key, RegistryText& path);
     SystemError ReadValues(KeyNumber key, std::vector<SavedValue>& values);
-    SystemError ReadTreeAt(KeyNumber key, RegistryText path, std::vector<SavedKey>& keys);
+    SystemError ReadSubKeyNames(KeyNumber key, std::vector<RegistryText>& names);
+    SystemError ReadTreeAt(KeyNumber key, RegistryText const& path, std::vector<SavedKey>& keys);
 
     std::unique_ptr<RegistryStore> store;
     KnownKeys known;
