@@ -8,6 +8,9 @@ namespace {
 
 constexpr std::size_t chainIncrease = 18;
 
+// The registry's error, on every system, for a key that is not there.
+constexpr std::uint32_t keyIsMissing = 2;
+
 // Between the names of a registry path, on every system.
 constexpr CodeUnit registrySeparator = u'\\';
 
@@ -82,16 +85,20 @@ String AppConfigImp::GetReadOnlyString(String section, String entry) {
 }
 
 ErrorInfo* AppConfigImp::EnumSections(VArray<String, String>& names) {
-    return Outcome(AppendSubKeyNames(CurrentKey(), names), u"Couldn't list the keys of ",
+    return Outcome(AppendSubKeyNames(CurrentKey(), NameRoom::Grows, names), u"Couldn't list the keys of ",
                    ChainText(rootName, keys, keys.Size()));
 }
 
 ErrorInfo* AppConfigImp::EnumEntries(String section, VArray<String, String>& names) {
     ShortlyOpenKey key;
-    if (key.OpenExisting(CurrentKey(), section, KEY_READ)) {
+    std::uint32_t result = key.OpenExisting(CurrentKey(), section, KEY_READ);
+    if (result == keyIsMissing) {
         return nullptr;
     }
-    return Outcome(AppendValueNames(key.Handle(), names), u"Couldn't list the values of ", PlaceOf(section));
+    if (!result) {
+        result = AppendValueNames(key.Handle(), NameRoom::Grows, names);
+    }
+    return Outcome(result, u"Couldn't list the values of ", PlaceOf(section));
 }
 
 ErrorInfo* AppConfigImp::DeleteEntry(String section, String entry) {

@@ -15,6 +15,10 @@ namespace {
 constexpr std::uint32_t firstBufferSize = 200; // bytes; most settings fit
 constexpr int mostAttempts = 2;
 
+// Code units.
+constexpr std::size_t leastNameRoom = 500;
+constexpr std::size_t mostNameRoom = 1 << 24;
+
 } // namespace
 
 // ---- single keys
@@ -127,15 +131,38 @@ String ChainText(String const& rootName, NonSortableVArray<TreeKey> const& keys,
 
 // ---- names
 
-std::uint32_t AppendSubKeyNames(void* key, VArray<String, String>& names) {
-    return AppendNames(names, [key](std::uint32_t index, CodeUnit* room, std::uint32_t* size) {
+namespace {
+
+// Adds the names that next gives to names, until there are no more: next(index, room, size) is a call of the
+// registry.
+template <class Next>
+std::uint32_t AppendNames(NameRoom nameRoom, VArray<String, String>& names, Next next) {
+    std::basic_string<CodeUnit> room(leastNameRoom, CodeUnit());
+    for (std::uint32_t index = 0;;) {
+        auto size = static_cast<std::uint32_t>(room.size());
+        std::uint32_t const result = next(index, room.data(), &size);
+        if (result == 0) {
+            names.Add(String(room.c_str()));
+            ++index;
+        } else if (result == ERROR_MORE_DATA && nameRoom == NameRoom::Grows && room.size() < mostNameRoom) {
+            room.resize(2 * room.size());
+        } else {
+            return result == ERROR_NO_MORE_ITEMS ? 0 : result;
+        }
+    }
+}
+
+} // namespace
+
+std::uint32_t AppendSubKeyNames(void* key, NameRoom nameRoom, VArray<String, String>& names) {
+    return AppendNames(nameRoom, names, [key](std::uint32_t index, CodeUnit* room, std::uint32_t* size) {
         std::uint64_t lastWritten = 0;
         return GetRegistry().RegEnumKeyExW(key, index, room, size, nullptr, nullptr, nullptr, &lastWritten);
     });
 }
 
-std::uint32_t AppendValueNames(void* key, VArray<String, String>& names) {
-    return AppendNames(names, [key](std::uint32_t index, CodeUnit* room, std::uint32_t* size) {
+std::uint32_t AppendValueNames(void* key, NameRoom nameRoom, VArray<String, String>& names) {
+    return AppendNames(nameRoom, names, [key](std::uint32_t index, CodeUnit* room, std::uint32_t* size) {
         std::uint32_t type = 0;
         return GetRegistry().RegEnumValueW(key, index, room, size, nullptr, &type, nullptr, nullptr);
     });

@@ -57,23 +57,12 @@ void CloseChain(NonSortableVArray<TreeKey>& keys);
 // The root's name and the first count keys of the chain, with backslashes between them.
 String ChainText(String const& rootName, NonSortableVArray<TreeKey> const& keys, std::size_t count);
 
-// Adds the names that next gives to names, until there are no more: next(index, room, size) is a call of the
-// registry. 0, or the error that ended it.
-template <class Next>
-std::uint32_t AppendNames(VArray<String, String>& names, Next next) {
-    constexpr std::uint32_t nameRoom = 500;
-    CodeUnit room[nameRoom];
-    for (std::uint32_t index = 0;; ++index) {
-        std::uint32_t size = nameRoom;
-        if (std::uint32_t const result = next(index, room, &size)) {
-            return result == ERROR_NO_MORE_ITEMS ? 0 : result;
-        }
-        names.Add(String(room));
-    }
-}
+// Room for a name and its terminator: for one of any length, or 500 code units.
+enum class NameRoom { Grows, Is500 };
 
-// The same for the sub keys and for the values of an open key.
-std::uint32_t AppendSubKeyNames(void* key, VArray<String, String>& names);
-std::uint32_t AppendValueNames(void* key, VArray<String, String>& names);
+// Add the names of the sub keys, or of the values, of an open key to names. 0, or the registry's error that
+// ended it; a name without room is one.
+std::uint32_t AppendSubKeyNames(void* key, NameRoom room, VArray<String, String>& names);
+std::uint32_t AppendValueNames(void* key, NameRoom room, VArray<String, String>& names);
 
 } // namespace QMT

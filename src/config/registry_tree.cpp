@@ -114,11 +114,11 @@ ErrorInfo* RealRegistryTree::WriteProfileDWORD(String entry, unsigned long int v
 }
 
 ErrorInfo* RealRegistryTree::EnumSubKeys(VArray<String, String>& names) {
-    return AppendSubKeyNames(CurrentKey(), names) ? MakeError(u"No more items") : nullptr;
+    return AppendSubKeyNames(CurrentKey(), NameRoom::Is500, names) ? MakeError(u"No more items") : nullptr;
 }
 
 ErrorInfo* RealRegistryTree::EnumValueNames(VArray<String, String>& names) {
-    bool const fails = keys.Size() > 0 && AppendValueNames(LastKey(), names) != 0;
+    bool const fails = keys.Size() > 0 && AppendValueNames(LastKey(), NameRoom::Is500, names) != 0;
     return fails ? MakeError(u"No more items") : nullptr;
 }
 

@@ -99,17 +99,22 @@ TEST_F(AppConfigTest, ListsDeletesAndCopies) {
                      TakeError(settings.EnumEntries(u"none", names))}),
               Texts(3));
     EXPECT_EQ(Listed(names), u"s|T|A|b|");
+    registry.Before(RegistryCall::OpenKey, [] { return 16U; }); // which does not mean that it is missing
+    EXPECT_EQ(TakeError(settings.EnumEntries(u"T", names)),
+              u"Couldn't list the values of HKEY_CURRENT_USER\\Software\\M\\P\\T: " + GetSystemErrMsge(16));
+    registry.Before(RegistryCall::OpenKey, {});
     for (String const& error :
          {String(), u"Couldn't delete value " + place + u"\\A: " + GetSystemErrMsge(ENOENT)})
         EXPECT_EQ(TakeError(settings.DeleteEntry(u"S", u"A")), error);
     for (String const& error : {String(), u"Couldn't delete key " + place + u": " + GetSystemErrMsge(ENOENT)})
         EXPECT_EQ(TakeError(settings.DeleteSection(u"S")), error);
     ASSERT_EQ(TakeError(settings.WriteProfileStr(u"T", u"two", u"a\nb")) +
-                  TakeError(settings.WriteProfileStr(u"T", u"no/name", u"v")),
+                  TakeError(settings.WriteProfileStr(u"T", u"no/name", u"v")) +
+                  TakeError(settings.WriteProfileStr(u"T", Repeated(u'c', 600), u"v")),
               u"");
     FileTreeConfig files(directory.Path());
     ASSERT_EQ(TakeError(files.WriteProfileStr(u"T", u"own", u"stays")), u"");
-    EXPECT_NE(TakeError(CopySettings(settings, files)).Find(u"no/name"), -1); // the first of two
+    EXPECT_NE(TakeError(CopySettings(settings, files)).Find(u"cccc"), -1); // the first of three
     EXPECT_EQ(files.GetReadOnlyString(u"T", u"A") + files.GetReadOnlyString(u"T", u"own"), u"TAstays");
     AppConfig back(u"M", u"Q", u"", false);
     EXPECT_EQ((Texts{TakeError(back.CheckExists(false)), TakeError(CopySettings(files, back))}), Texts(2));
