@@ -37,9 +37,21 @@ private:
 
 namespace {
 
-std::shared_ptr<MessageList>& ListOfThisThread() {
-    thread_local std::shared_ptr<MessageList> list = std::make_shared<MessageList>();
-    return list;
+// What is still destroyed behind a thread's list, such as static objects, finds none.
+thread_local bool listHasEnded = false;
+
+struct ListOwner {
+    ~ListOwner() { listHasEnded = true; }
+
+    std::shared_ptr<MessageList> list = std::make_shared<MessageList>();
+};
+
+std::shared_ptr<MessageList> ListOfThisThread() {
+    if (listHasEnded) {
+        return nullptr;
+    }
+    thread_local ListOwner const owner;
+    return owner.list;
 }
 
 } // namespace
@@ -64,7 +76,7 @@ QueueMessage const& GetQueueMessage(tagMSG const& message) {
 
 void platform::EmptyMessageQueue(int (*filter)(tagMSG*)) {
     std::shared_ptr<MessageList> const list = ListOfThisThread();
-    for (tagMSG message; list->Take(message.posted);) {
+    for (tagMSG message; list && list->Take(message.posted);) {
         bool const isTaken = filter && filter(&message) != 0;
         if (!isTaken && message.posted.handler) {
             message.posted.handler(message.posted);
