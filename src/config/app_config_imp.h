@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "config/registry_access.h"
-#include "qmt/config/app_config.h"
+#include "qmt/config/settings_store.h"
 
 namespace QMT {
 

@@ -1,7 +1,7 @@
 // Settings in files: the work behind FileTreeConfig.
 #pragma once
 
-#include "qmt/config/app_config.h"
+#include "qmt/config/settings_store.h"
 
 namespace QMT {
 

@@ -8,8 +8,8 @@ namespace {
 
 using Names = VArray<String, String>;
 
-template <class Source, class Target>
-ErrorInfo* CopyEntry(Source& source, Target& target, String const& section, String const& entry) {
+ErrorInfo* CopyEntry(SettingsStore& source, SettingsStore& target, String const& section,
+                     String const& entry) {
     String const value = source.GetReadOnlyString(section, entry);
     if (ErrorInfo* const error = target.WriteProfileStr(section, entry, value)) {
         return error;
@@ -28,8 +28,9 @@ void Note(ErrorInfo* error, std::unique_ptr<ErrorInfo>& first) {
     }
 }
 
-template <class Source, class Target>
-ErrorInfo* Copy(Source& source, Target& target) {
+} // namespace
+
+ErrorInfo* CopySettings(SettingsStore& source, SettingsStore& target) {
     Names sections;
     std::unique_ptr<ErrorInfo> first(source.EnumSections(sections));
     for (std::size_t i = 0; i < sections.Size(); ++i) {
@@ -40,16 +41,6 @@ ErrorInfo* Copy(Source& source, Target& target) {
         }
     }
     return first.release();
-}
-
-} // namespace
-
-ErrorInfo* CopySettings(AppConfig& source, FileTreeConfig& target) {
-    return Copy(source, target);
-}
-
-ErrorInfo* CopySettings(FileTreeConfig& source, AppConfig& target) {
-    return Copy(source, target);
 }
 
 } // namespace QMT

@@ -1,6 +1,7 @@
 #include "qmt/config/app_config.h"
 
 #include "platform/registry_counting.h"
+#include "qmt/config/file_tree_config.h"
 #include "qmt/config/settings_copy.h"
 #include "qmt/helpers/system.h"
 #include "support/registry_fixtures.h"

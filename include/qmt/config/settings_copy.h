@@ -1,8 +1,7 @@
 // Copying all settings of one store into another.
 #pragma once
 
-#include "qmt/config/app_config.h"
-#include "qmt/config/file_tree_config.h"
+#include "qmt/config/settings_store.h"
 #include "qmt/export.h"
 #include "qmt/general/errors.h"
 
@@ -14,7 +13,6 @@ namespace QMT {
 // Gives null for success. An entry that the target cannot hold, or does not give back as it was, such as a
 // text with a line break in a file, does not keep the others from being copied; the error, which the caller
 // owns, names the first of them.
-QMT_UTILU_API ErrorInfo* CopySettings(AppConfig& source, FileTreeConfig& target);
-QMT_UTILU_API ErrorInfo* CopySettings(FileTreeConfig& source, AppConfig& target);
+QMT_UTILU_API ErrorInfo* CopySettings(SettingsStore& source, SettingsStore& target);
 
 } // namespace QMT
