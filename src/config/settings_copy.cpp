@@ -1,6 +1,7 @@
 #include "qmt/config/settings_copy.h"
 
 #include <memory>
+#include <vector>
 
 namespace QMT {
 
@@ -8,39 +9,53 @@ namespace {
 
 using Names = VArray<String, String>;
 
-ErrorInfo* CopyEntry(SettingsStore& source, SettingsStore& target, String const& section,
-                     String const& entry) {
-    String const value = source.GetReadOnlyString(section, entry);
-    if (ErrorInfo* const error = target.WriteProfileStr(section, entry, value)) {
-        return error;
+struct Setting {
+    String section;
+    String entry;
+    String value;
+    std::unique_ptr<ErrorInfo> error;
+};
+
+// Adds the source's settings with their texts; gives the first error, and goes on behind it.
+std::unique_ptr<ErrorInfo> ReadSettings(SettingsStore& source, std::vector<Setting>& settings) {
+    Names sections;
+    std::unique_ptr<ErrorInfo> first(source.EnumSections(sections));
+    for (std::size_t i = 0; i < sections.Size(); ++i) {
+        Names entries;
+        std::unique_ptr<ErrorInfo> error(source.EnumEntries(sections[i], entries));
+        if (!first) {
+            first = std::move(error);
+        }
+        for (std::size_t j = 0; j < entries.Size(); ++j) {
+            settings.push_back(
+                {sections[i], entries[j], source.GetReadOnlyString(sections[i], entries[j]), nullptr});
+        }
     }
-    if (target.GetReadOnlyString(section, entry) == value) {
-        return nullptr;
-    }
-    return MakeError(u"Couldn't copy setting unchanged. In section [" + section + u"] entry : " + entry);
+    return first;
 }
 
-// Keeps the first error, and deletes a later one.
-void Note(ErrorInfo* error, std::unique_ptr<ErrorInfo>& first) {
-    std::unique_ptr<ErrorInfo> owned(error);
-    if (!first) {
-        first = std::move(owned);
-    }
+bool IsStored(SettingsStore& target, Setting const& setting) {
+    return target.GetReadOnlyString(setting.section, setting.entry) == setting.value;
 }
 
 } // namespace
 
 ErrorInfo* CopySettings(SettingsStore& source, SettingsStore& target) {
-    Names sections;
-    std::unique_ptr<ErrorInfo> first(source.EnumSections(sections));
-    for (std::size_t i = 0; i < sections.Size(); ++i) {
-        Names entries;
-        Note(source.EnumEntries(sections[i], entries), first);
-        for (std::size_t j = 0; j < entries.Size(); ++j) {
-            Note(CopyEntry(source, target, sections[i], entries[j]), first);
+    std::vector<Setting> settings;
+    std::unique_ptr<ErrorInfo> error = ReadSettings(source, settings);
+    for (Setting& setting : settings) {
+        setting.error.reset(target.WriteProfileStr(setting.section, setting.entry, setting.value));
+    }
+    // When all are written: two names may be one for the target.
+    for (Setting& setting : settings) {
+        if (!error && setting.error) {
+            error = std::move(setting.error);
+        } else if (!error && !IsStored(target, setting)) {
+            error.reset(MakeError(u"Couldn't copy setting unchanged. In section [" + setting.section +
+                                  u"] entry : " + setting.entry));
         }
     }
-    return first.release();
+    return error.release();
 }
 
 } // namespace QMT

@@ -11,8 +11,8 @@ namespace QMT {
 // source does not have stays. Both have passed CheckExists.
 //
 // Gives null for success. An entry that the target cannot hold, or does not give back as it was, such as a
-// text with a line break in a file, does not keep the others from being copied; the error, which the caller
-// owns, names the first of them.
+// text with a line break in a file, or the first of two names that are the same there, does not keep the
+// others from being copied; the error, which the caller owns, names the first of them.
 QMT_UTILU_API ErrorInfo* CopySettings(SettingsStore& source, SettingsStore& target);
 
 } // namespace QMT
