@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/file_names_posix.h"
+#include "platform/path_bytes_posix.h"
 
 namespace QMT::platform {
 

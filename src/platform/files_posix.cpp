@@ -3,15 +3,12 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
-#include <iterator>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
-#include <utf8.h>
 #include <utility>
 
-#include "platform/code_points.h"
-#include "platform/file_names_posix.h"
+#include "platform/path_bytes_posix.h"
 
 namespace QMT::platform {
 
@@ -25,20 +22,6 @@ constexpr mode_t newFileMode = 0666; // less the user's mask
 
 // What the system calls a failure to write that it does not explain.
 constexpr SystemError unexplained = EIO;
-
-// The name of a file or directory, as bytes.
-std::string ToName(TextView path) {
-    std::string name;
-    for (std::size_t i = 0; i < path.size();) {
-        std::uint32_t const codePoint = NextCodePoint(path, i);
-        if (codePoint >= escapedByteBase + 0x80 && codePoint <= escapedByteBase + 0xFF) {
-            name += static_cast<char>(codePoint - escapedByteBase);
-        } else {
-            utf8::unchecked::append(codePoint, std::back_inserter(name));
-        }
-    }
-    return name;
-}
 
 bool HoldsZero(TextView path) {
     return path.find(CodeUnit()) != TextView::npos;
@@ -126,7 +109,7 @@ SystemError FileHandle::Open(TextView path, FileAccess access) {
     if (HoldsZero(path)) {
         return EINVAL;
     }
-    std::string const name = ToName(path);
+    std::string const name = ToPathBytes(path);
     int const file =
         Uninterrupted([&] { return ::open(name.c_str(), FlagsFor(access) | O_CLOEXEC, newFileMode); });
     if (file < 0) {
@@ -186,7 +169,7 @@ SystemError FileHandle::Size(std::uint64_t& bytes) const noexcept {
 }
 
 SystemError RemoveFile(TextView path) {
-    return HoldsZero(path) ? SystemError{EINVAL} : ResultOf(::unlink(ToName(path).c_str()));
+    return HoldsZero(path) ? SystemError{EINVAL} : ResultOf(::unlink(ToPathBytes(path).c_str()));
 }
 
 SystemError MakeDirectory(TextView path) {
@@ -194,7 +177,7 @@ SystemError MakeDirectory(TextView path) {
         return EINVAL;
     }
     std::error_code error;
-    fs::create_directory(ToName(path), error);
+    fs::create_directory(ToPathBytes(path), error);
     return ResultOf(error);
 }
 
@@ -203,7 +186,7 @@ SystemError CheckDirectory(TextView path) {
         return EINVAL;
     }
     std::error_code error;
-    bool const isDirectory = fs::is_directory(ToName(path), error);
+    bool const isDirectory = fs::is_directory(ToPathBytes(path), error);
     return error || isDirectory ? ResultOf(error) : SystemError{ENOTDIR};
 }
 
@@ -212,7 +195,7 @@ SystemError ListDirectory(TextView path, std::vector<DirectoryEntry>& entries) {
         return EINVAL;
     }
     std::error_code error;
-    for (fs::directory_iterator entry(ToName(path), error); !error && entry != fs::end(entry);
+    for (fs::directory_iterator entry(ToPathBytes(path), error); !error && entry != fs::end(entry);
          entry.increment(error)) {
         std::error_code unknown; // a link that leads nowhere is no directory
         bool const isDirectory = entry->is_directory(unknown);

@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/file_names_posix.h"
+#include "platform/path_bytes_posix.h"
 #include "platform/user_entry_posix.h"
 
 namespace QMT::platform {
