@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/path_bytes_posix.h"
+#include "platform/uninterrupted_posix.h"
 
 namespace QMT::platform {
 
@@ -44,16 +45,6 @@ SystemError ResultOf(int outcome) {
 
 SystemError ResultOf(std::error_code const& error) {
     return static_cast<SystemError>(error.value());
-}
-
-// Repeats the call while signals interrupt it.
-template <class Call>
-auto Uninterrupted(Call call) {
-    auto outcome = call();
-    while (outcome < 0 && errno == EINTR) {
-        outcome = call();
-    }
-    return outcome;
 }
 
 // Calls write(bytes, count, done) for what is left until all is written; done counts what is.

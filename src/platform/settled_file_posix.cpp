@@ -6,10 +6,15 @@
 #include <unistd.h>
 
 #include "platform/file_names.h"
+#include "platform/uninterrupted_posix.h"
 
 namespace QMT::platform {
 
 namespace {
+
+ssize_t ReadHead(int file, std::span<char, settledHeadSize> head) {
+    return Uninterrupted([&] { return ::pread(file, head.data(), head.size(), 0); });
+}
 
 // A file that is open for reading; the destructor closes it.
 class OpenedFile {
@@ -17,7 +22,7 @@ public:
     explicit OpenedFile(std::basic_string_view<CodeUnit> path) {
         std::string const name = ToFileName(path);
         if (name.find('\0') == std::string::npos) {
-            number = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+            number = Uninterrupted([&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC); });
         } else {
             errno = EINVAL;
         }
@@ -53,15 +58,14 @@ void WaitForLock(int file) {
 SystemError ReadHeadTwice(std::basic_string_view<CodeUnit> path, std::span<char, settledHeadSize> head,
                           std::size_t& count, bool& agree) {
     OpenedFile const file(path);
-    ssize_t const got = file.Number() < 0 ? -1 : ::pread(file.Number(), head.data(), head.size(), 0);
+    ssize_t const got = file.Number() < 0 ? -1 : ReadHead(file.Number(), head);
     if (got < 0) {
         return static_cast<SystemError>(errno);
     }
     count = static_cast<std::size_t>(got);
     WaitForLock(file.Number());
     char second[settledHeadSize];
-    agree = ::pread(file.Number(), second, sizeof(second), 0) == got &&
-            std::memcmp(head.data(), second, count) == 0;
+    agree = ReadHead(file.Number(), second) == got && std::memcmp(head.data(), second, count) == 0;
     return 0;
 }
 
