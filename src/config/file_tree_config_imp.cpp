@@ -1,6 +1,7 @@
 #include "config/file_tree_config_imp.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "config/entry_file.h"
@@ -15,9 +16,20 @@ namespace {
 constexpr CodeUnit entryEnding[] = {u'.', u'c', u'f', u'g', 0};
 constexpr std::size_t entryEndingLength = 4;
 
+constexpr CodeUnit firstLineEnds[] = {u'\n', u'\r', 0};
+
+constexpr int mostWrites = 10; // of one text, while others write the same entry
+
 DiscDirectory DirectoryAt(String const& path) {
     String const anyName = u"*.*";
     return DiscDirectory(path, Directory::ListingType::All, anyName);
+}
+
+// True when a read of the file gives the first line of the value.
+bool IsStored(String const& path, String const& value) {
+    String text;
+    ReadEntryFile(path, text);
+    return text.View() == value.View().substr(0, value.View().find_first_of(firstLineEnds));
 }
 
 bool IsEntryFile(Directory::Entry const& file) {
@@ -53,21 +65,32 @@ ErrorInfo* FileTreeConfigImp::CheckExists(bool) {
 
 // ---- one entry
 
+ErrorInfo* FileTreeConfigImp::OpenForWriting(FormatableTextFile& file, String const& section) const {
+    std::unique_ptr<ErrorInfo> const error(file.Open(false));
+    if (!error) {
+        return nullptr;
+    }
+    // Mostly because the section is missing.
+    ErrorInfo* const sectionError = DirectoryAt(SectionPath(section)).EnsureExists();
+    return sectionError ? sectionError : file.Open(false);
+}
+
+// Two writers at once leave either text. Only where one has cut off what stood behind its own may that have
+// been a piece of the other's, which a look at the file shows.
 ErrorInfo* FileTreeConfigImp::WriteProfileStr(String section, String entry, String value) {
-    FormatableTextFile file(EntryPath(section, entry), nullptr);
-    if (std::unique_ptr<ErrorInfo> const error{file.Open(false)}) {
-        // Mostly because the section is missing.
-        if (ErrorInfo* const sectionError = DirectoryAt(SectionPath(section)).EnsureExists()) {
-            return sectionError;
+    String const path = EntryPath(section, entry);
+    FormatableTextFile file(path, nullptr);
+    file << value << newline;
+    for (int writes = 1;; ++writes) {
+        if (ErrorInfo* const error = OpenForWriting(file, section)) {
+            return error;
         }
-        if (ErrorInfo* const openError = file.Open(false)) {
-            return openError;
+        std::unique_ptr<ErrorInfo> error(file.FlushFile(false, BaseFile::BOM::NoMark));
+        std::unique_ptr<ErrorInfo> const nobodyToTell(file.Close());
+        if (error || !file.HasCut() || writes == mostWrites || IsStored(path, value)) {
+            return error.release();
         }
     }
-    file << value << newline;
-    std::unique_ptr<ErrorInfo> error(file.FlushFile(false, BaseFile::BOM::NoMark));
-    std::unique_ptr<ErrorInfo> const nobodyToTell(file.Close());
-    return error.release();
 }
 
 String FileTreeConfigImp::GetStringNoDefault(String section, String entry) {
@@ -132,13 +155,18 @@ ErrorInfo* FileTreeConfigImp::DeleteSection(String section) {
                              candidate.name);
         }
     }
+    std::unique_ptr<ErrorInfo> first; // an entry may be gone by now, which then shows in nothing else
     for (Directory::Entry const& entry : found) {
-        if (ErrorInfo* const error = RemoveFile(path + BaseFile::GetDirSeparator() + entry.name)) {
-            return error;
+        std::unique_ptr<ErrorInfo> error(RemoveFile(path + BaseFile::GetDirSeparator() + entry.name));
+        if (!first) {
+            first = std::move(error);
         }
     }
     platform::SystemError const error = platform::DeleteEmptyDirectory(path.View());
-    return error ? MakeError(u"Couldn't delete directory " + path + u":", GetSystemErrMsge(error)) : nullptr;
+    if (error && !first) {
+        first.reset(MakeError(u"Couldn't delete directory " + path + u":", GetSystemErrMsge(error)));
+    }
+    return error ? first.release() : nullptr;
 }
 
 } // namespace QMT

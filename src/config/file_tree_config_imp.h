@@ -2,6 +2,7 @@
 #pragma once
 
 #include "qmt/config/settings_store.h"
+#include "qmt/general/files.h"
 
 namespace QMT {
 
@@ -19,6 +20,9 @@ public:
     ErrorInfo* DeleteSection(String section) override;
 
 private:
+    // Makes the section when it is missing.
+    ErrorInfo* OpenForWriting(FormatableTextFile& file, String const& section) const;
+
     String SectionPath(String const& section) const;
     String EntryPath(String const& section, String const& entry) const;
 

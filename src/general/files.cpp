@@ -5,6 +5,7 @@
 
 #include "general/disc_medium.h"
 #include "general/line_reader.h"
+#include "general/sync_point.h"
 #include "general/system_error_text.h"
 #include "general/utf.h"
 #include "platform/files.h"
@@ -59,6 +60,7 @@ ErrorInfo* WriteableFile::Open(bool append) {
     if (!error) {
         appending = append;
         oldContentStands = !append;
+        hasCut = false;
         written = 0;
     }
     return error;
@@ -97,11 +99,23 @@ ErrorInfo* WriteableFile::WriteOver(FileMedium::File& target, std::string const&
     oldContentStands = false;
     std::unique_ptr<ErrorInfo> error(target.WriteAt(written, bytes.data(), bytes.size()));
     std::uint64_t const end = error ? written : written + bytes.size();
-    std::unique_ptr<ErrorInfo> cutError(target.CutAt(end));
+    std::unique_ptr<ErrorInfo> cutError(CutBehind(target, end));
     if (!error && !cutError) {
         written = end;
     }
     return error ? error.release() : cutError.release();
+}
+
+ErrorInfo* WriteableFile::CutBehind(FileMedium::File& target, std::uint64_t end) {
+    std::uint64_t size = 0;
+    std::unique_ptr<ErrorInfo> const unknown(target.Size(size));
+    hasCut = hasCut || unknown || size > end;
+    QMT_SYNC_POINT("WriteableFile: before cutting");
+    return target.CutAt(end);
+}
+
+bool WriteableFile::HasCut() const noexcept {
+    return hasCut;
 }
 
 // ---- LineParsableFile

@@ -2,6 +2,7 @@
 
 #include "support/child_process.h"
 #include "support/file_content.h"
+#include "support/sync_action.h"
 #include "support/temp_directory.h"
 #include "support/text.h"
 
@@ -122,6 +123,19 @@ TEST_F(FileTreeConfigTest, ADirectoryWithoutRightsGivesDefaultsAndErrors) {
     EXPECT_EQ(ContentOf(tree / "S/e.cfg"), "v\n");
     for (fs::path const& path : {tree, tree / "S"})
         fs::permissions(path, fs::perms(0755));
+}
+
+// One writer cuts off what it takes for the end of the old text, while it is that of another's new one.
+TEST_F(FileTreeConfigTest, TwoWritersLeaveNoPieceOfEither) {
+    if (!SyncAction::possible)
+        GTEST_SKIP() << "built without sync points";
+    ASSERT_EQ(Store(u"S", u"e", u"a text longer than the others"), u"");
+    bool isFirst = true;
+    SyncAction const another("WriteableFile: before cutting", [&] {
+        return std::exchange(isFirst, false) && !Store(u"S", u"e", u"1234567890").IsEmpty();
+    });
+    EXPECT_EQ(Store(u"S", u"e", u"0"), u"");
+    EXPECT_EQ(settings.GetReadOnlyString(u"S", u"e"), u"0");
 }
 
 TEST_F(FileTreeConfigTest, ListsAndDeletes) {

@@ -126,6 +126,10 @@ public:
     // Closes the file. One opened with false and never written is left empty.
     ErrorInfo* Close() override;
 
+    // True when a write since Open has cut off what stood behind it. If another process was writing the file
+    // at that moment, that may have been a piece of its text.
+    bool HasCut() const noexcept;
+
 protected:
     WriteableFile() = default;
 
@@ -138,9 +142,11 @@ protected:
 
 private:
     ErrorInfo* WriteOver(FileMedium::File& target, std::string const& bytes);
+    ErrorInfo* CutBehind(FileMedium::File& target, std::uint64_t end);
 
     bool appending = false;
     bool oldContentStands = false;
+    bool hasCut = false;
     std::uint64_t written = 0;
 };
 
