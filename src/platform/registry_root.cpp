@@ -174,28 +174,34 @@ SystemError RegistryRoot::ReadSubKeyNames(KeyNumber key, std::vector<RegistryTex
     return error == nothingThere ? 0 : error;
 }
 
-SystemError RegistryRoot::ReadTreeAt(KeyNumber key, RegistryText const& path, std::vector<SavedKey>& keys) {
-    SavedKey saved{path, {}};
-    SystemError error = ReadValues(key, saved.values);
-    keys.push_back(std::move(saved));
-    std::vector<RegistryText> names;
-    if (!error) {
-        error = ReadSubKeyNames(key, names);
-    }
-    for (std::size_t i = 0; i < names.size() && !error; ++i) {
-        KeyNumber subKey = 0;
-        error = store->FindKey(key, names[i], subKey);
+SystemError RegistryRoot::ReadTree(KeyNumber key, std::vector<SavedKey>& keys) {
+    RegistryText path;
+    SystemError error = PathOf(key, path);
+    std::vector<PlacedKey> left{
+        {key, std::move(path)}}; // the next one is the last; keys may be nested deeply
+    while (!error && !left.empty()) {
+        PlacedKey const next = std::move(left.back());
+        left.pop_back();
+        SavedKey saved{next.path, {}};
+        error = ReadValues(next.key, saved.values);
+        keys.push_back(std::move(saved));
         if (!error) {
-            error = ReadTreeAt(subKey, RegistryText(path).append(1, u'\\').append(names[i]), keys);
+            error = AddSubKeys(next, left);
         }
     }
     return error;
 }
 
-SystemError RegistryRoot::ReadTree(KeyNumber key, std::vector<SavedKey>& keys) {
-    RegistryText path;
-    SystemError const error = PathOf(key, path);
-    return error ? error : ReadTreeAt(key, path, keys);
+// Adds them in reverse order.
+SystemError RegistryRoot::AddSubKeys(PlacedKey const& key, std::vector<PlacedKey>& keys) {
+    std::vector<RegistryText> names;
+    SystemError error = ReadSubKeyNames(key.key, names);
+    for (std::size_t i = names.size(); i-- > 0 && !error;) {
+        KeyNumber subKey = 0;
+        error = store->FindKey(key.key, names[i], subKey);
+        keys.push_back({subKey, RegistryText(key.path).append(1, u'\\').append(names[i])});
+    }
+    return error;
 }
 
 } // namespace QMT::platform

@@ -50,13 +50,18 @@ public:
     SystemError ReadTree(KeyNumber key, std::vector<SavedKey>& keys);
 
 private:
+    struct PlacedKey {
+        KeyNumber key;
+        RegistryText path;
+    };
+
     SystemError Walk(KeyNumber& key, RegistryTextView& path);
     SystemError Create(KeyNumber parent, RegistryTextView path, KeyNumber& key, bool& isNew);
     SystemError RemoveFound(KeyNumber key);
     SystemError PathOf(KeyNumber key, RegistryText& path);
     SystemError ReadValues(KeyNumber key, std::vector<SavedValue>& values);
     SystemError ReadSubKeyNames(KeyNumber key, std::vector<RegistryText>& names);
-    SystemError ReadTreeAt(KeyNumber key, RegistryText const& path, std::vector<SavedKey>& keys);
+    SystemError AddSubKeys(PlacedKey const& key, std::vector<PlacedKey>& keys);
 
     std::unique_ptr<RegistryStore> store;
     KnownKeys known;
