@@ -1,6 +1,7 @@
 #include "config/file_tree_config_imp.h"
 
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -51,12 +52,16 @@ String FileTreeConfigImp::SectionPath(String const& section) const {
     return configDirectory + BaseFile::GetDirSeparator() + section;
 }
 
+// Each read and write needs one.
 String FileTreeConfigImp::EntryPath(String const& section, String const& entry) const {
     String const separator = BaseFile::GetDirSeparator();
-    String path;
-    path.SetBufferIncrementSize(configDirectory.Len() + section.Len() + entry.Len() + entryEndingLength + 2);
-    path << configDirectory << separator << section << separator << entry << entryEnding;
-    return path;
+    std::basic_string<CodeUnit> path;
+    path.reserve(configDirectory.Len() + section.Len() + entry.Len() + entryEndingLength + 2);
+    for (String const* const part : {&configDirectory, &separator, &section, &separator, &entry}) {
+        path += part->View();
+    }
+    path += entryEnding;
+    return String(std::move(path));
 }
 
 ErrorInfo* FileTreeConfigImp::CheckExists(bool) {

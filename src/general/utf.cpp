@@ -1,5 +1,6 @@
 #include "general/utf.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <utf8.h>
@@ -27,6 +28,16 @@ CodeUnit SurrogateOfForm(std::string_view bytes) {
     return static_cast<CodeUnit>(0xD000 | (bytes[1] & 0x3F) << 6 | (bytes[2] & 0x3F));
 }
 
+// Takes the ASCII in front off the bytes, which most texts consist of.
+void DecodeAscii(std::basic_string<CodeUnit>& text, std::string_view& bytes) {
+    auto const end = std::find_if(bytes.begin(), bytes.end(), [](char byte) { return (byte & 0x80) != 0; });
+    auto const count = static_cast<std::size_t>(end - bytes.begin());
+    std::size_t const before = text.size();
+    text.resize(before + count);
+    std::copy_n(bytes.begin(), count, text.begin() + static_cast<std::ptrdiff_t>(before));
+    bytes.remove_prefix(count);
+}
+
 // Takes the run of true UTF-8 in front off the bytes.
 void DecodeValidRun(std::basic_string<CodeUnit>& text, std::string_view& bytes) {
     auto const invalid = utf8::find_invalid(bytes.begin(), bytes.end());
@@ -52,6 +63,7 @@ void AppendUtf8(std::string& bytes, std::basic_string_view<CodeUnit> text) {
 
 void AppendDecodedUtf8(std::basic_string<CodeUnit>& text, std::string_view bytes) {
     text.reserve(text.size() + bytes.size());
+    DecodeAscii(text, bytes);
     for (DecodeValidRun(text, bytes); !bytes.empty(); DecodeValidRun(text, bytes)) {
         DecodeInvalid(text, bytes);
     }
