@@ -64,7 +64,14 @@ DatabaseStore::DatabaseStore(std::string filePath, Readers fileReaders)
 
 SystemError DatabaseStore::MakeReady(bool forWriting) {
     SystemError const error = database.IsOpen() ? 0 : Connect(forWriting);
-    return !error && forWriting && database.IsReadOnly() ? accessRefused : error;
+    if (error || !forWriting) {
+        return error;
+    }
+    if (database.IsReadOnly()) {
+        return accessRefused;
+    }
+    // What is written would be lost, and the numbers of open keys mean nothing in another file.
+    return database.HasMoved() ? SystemError{ESTALE} : 0;
 }
 
 SystemError DatabaseStore::Connect(bool forWriting) {

@@ -117,6 +117,12 @@ bool Database::IsReadOnly() const {
     return sqlite3_db_readonly(connection.get(), "main") != 0;
 }
 
+bool Database::HasMoved() const {
+    int hasMoved = 0;
+    sqlite3_file_control(connection.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
+    return hasMoved != 0;
+}
+
 int Database::Changes() const {
     return sqlite3_changes(connection.get());
 }

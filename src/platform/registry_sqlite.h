@@ -54,6 +54,9 @@ public:
 
     bool IsReadOnly() const;
 
+    // True when another file, or none, stands by now where the database was opened.
+    bool HasMoved() const;
+
     // The number of rows that the last statement changed.
     int Changes() const;
 

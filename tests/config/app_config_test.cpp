@@ -111,7 +111,7 @@ TEST_F(AppConfigTest, ListsDeletesAndCopies) {
         EXPECT_EQ(TakeError(settings.DeleteSection(u"S")), error);
     ASSERT_EQ(TakeError(settings.WriteProfileStr(u"T", u"two", u"a\nb")) +
                   TakeError(settings.WriteProfileStr(u"T", u"no/name", u"v")) +
-                  TakeError(settings.WriteProfileStr(u"T", Repeated(u'c', 600), u"v")),
+                  TakeError(settings.WriteProfileStr(u"T", Repeated(600, u'c'), u"v")),
               u"");
     FileTreeConfig files(directory.Path());
     ASSERT_EQ(TakeError(files.WriteProfileStr(u"T", u"own", u"stays")), u"");

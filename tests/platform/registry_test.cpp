@@ -210,6 +210,8 @@ TEST_F(RegistryDatabaseTest, ReadingMakesNoDatabase) {
     EXPECT_TRUE(fs::is_empty(directory.Place()));
     EXPECT_EQ(others.Create(user, u"A", KEY_READ), 0U);
     EXPECT_EQ(calls.Open(user, u"Software", KEY_READ), 0U);
+    fs::remove(directory.Place() / "user.db"); // what is written now would be lost
+    EXPECT_EQ(others.Set(user, u"x", "1"), ESTALE);
 }
 
 TEST_F(RegistryDatabaseTest, MakesItsFilesForThoseWhoMayReadThem) {
