@@ -122,6 +122,8 @@ TEST_F(AppConfigTest, ListsDeletesAndCopies) {
     EXPECT_EQ(Stored(u"M\\Q\\T", u"b") + Stored(u"M\\Q\\T", u"own") + Stored(u"M\\Q\\T", u"two"), "Tbstaysa");
     ASSERT_EQ(TakeError(files.WriteProfileStr(u"t", u"B", u"another")), u""); // the same for a registry
     EXPECT_NE(TakeError(CopySettings(files, back)).Find(u"[T] entry : b"), -1);
+    registry.Before(RegistryCall::OpenKey, [] { return 16U; }); // which does not mean that it is missing
+    EXPECT_NE(TakeError(settings.EnumEntries(u"T", names)), u"");
 }
 
 } // namespace

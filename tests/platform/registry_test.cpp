@@ -271,18 +271,16 @@ TEST_F(RegistryDatabaseTest, AValueThatOthersMakeLongerIsReadAsItWas) {
 TEST_F(RegistryDatabaseTest, RefusesFilesThatAreNoneOfIts) {
     std::ofstream(directory.Place() / "user.db") << std::string(5000, 'x');
     EXPECT_EQ(calls.Open(user, u"Software"), EIO);
-    std::string const foreign = "CREATE TABLE mine (x); PRAGMA user_version = ";
-    for (std::string const& content :
-         {foreign + "0", foreign + "1",
-          std::string("PRAGMA application_id = 0x514D5452; PRAGMA user_version = 2")}) {
-        fs::remove(directory.Place() / "machine.db");
+    fs::path const file = directory.Place() / "machine.db";
+    for (std::string const version : {"0", "1", "2; PRAGMA application_id = 0x514D5452"}) {
+        std::string const content = "CREATE TABLE IF NOT EXISTS mine (x); PRAGMA user_version = " + version;
         sqlite3* other = nullptr;
-        sqlite3_open((directory.Place() / "machine.db").c_str(), &other);
+        sqlite3_open(file.c_str(), &other);
         ASSERT_EQ(sqlite3_exec(other, content.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
         sqlite3_close(other);
-        std::string const before = ContentOf(directory.Place() / "machine.db");
+        std::string const before = ContentOf(file);
         EXPECT_EQ(calls.Open(machine, u"Software"), ENOTSUP);
-        EXPECT_EQ(ContentOf(directory.Place() / "machine.db"), before) << content;
+        EXPECT_EQ(ContentOf(file), before) << content;
     }
     EXPECT_EQ(ContentOf(directory.Place() / "user.db"), std::string(5000, 'x'));
     auto const nowhere = MakeDatabaseRegistry(directory.Path(), u"");
