@@ -109,7 +109,10 @@ ErrorInfo* WriteableFile::WriteOver(FileMedium::File& target, std::string const&
 ErrorInfo* WriteableFile::CutBehind(FileMedium::File& target, std::uint64_t end) {
     std::uint64_t size = 0;
     std::unique_ptr<ErrorInfo> const unknown(target.Size(size));
-    hasCut = hasCut || unknown || size > end;
+    if (!unknown && size <= end) {
+        return nullptr; // what another process has added by now is not the old text's end
+    }
+    hasCut = true;
     QMT_SYNC_POINT("WriteableFile: before cutting");
     return target.CutAt(end);
 }
