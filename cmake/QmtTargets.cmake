@@ -14,6 +14,7 @@ find_package(Threads REQUIRED)
 # The platform's side of a concern of the seam: <concern>_posix.cpp or <concern>_windows.cpp.
 if(WIN32)
     set(QMT_PLATFORM windows)
+    include(QmtWindows)
 else()
     set(QMT_PLATFORM posix)
 endif()

@@ -21,7 +21,7 @@ TaskContext& TaskContext::OfThisThread() {
     return context;
 }
 
-LinkTask::LinkTask(char const* semaphoreName, CodeUnit const* nameOfTask, TaskFunction taskFunction,
+LinkTask::LinkTask(char const* semaphoreName, char16_t const* nameOfTask, TaskFunction taskFunction,
                    void* argument)
     : processSemaphore(semaphoreName, 0), taskName(nameOfTask), function(taskFunction), link(argument) {
     taskEnded.Signal();

@@ -29,7 +29,7 @@ public:
     using TaskFunction = void (*)(void* link, Event* stopEvent);
 
     // `link` goes to `function` as it is. The names are not copied.
-    LinkTask(char const* semaphoreName, CodeUnit const* nameOfTask, TaskFunction taskFunction,
+    LinkTask(char const* semaphoreName, char16_t const* nameOfTask, TaskFunction taskFunction,
              void* argument);
 
     // Counts one push or pull and starts the task if it does not run.
@@ -97,7 +97,7 @@ private:
     std::atomic<std::uint32_t> countsAtHand{0};
     Tally countsTaken; // by the task, and under the section when there is none
 
-    CodeUnit const* taskName;
+    char16_t const* taskName;
     TaskFunction function;
     void* link;
 };

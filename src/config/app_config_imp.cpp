@@ -15,7 +15,7 @@ constexpr std::uint32_t keyIsMissing = 2;
 constexpr CodeUnit registrySeparator = u'\\';
 
 // Null for success, otherwise an error with the complaint, the place and the system's text.
-ErrorInfo* Outcome(std::uint32_t result, CodeUnit const* complaint, String const& place) {
+ErrorInfo* Outcome(std::uint32_t result, char16_t const* complaint, String const& place) {
     return result ? MakeError(complaint + place + u": " + GetSystemErrMsge(result)) : nullptr;
 }
 

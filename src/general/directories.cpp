@@ -38,7 +38,7 @@ bool Fits(TextView mask, TextView name) {
     return mask.find_first_not_of(u'*', maskAt) == TextView::npos;
 }
 
-ErrorInfo* Outcome(platform::SystemError error, CodeUnit const* complaint, String const& path) {
+ErrorInfo* Outcome(platform::SystemError error, char16_t const* complaint, String const& path) {
     return error ? MakeError(String(complaint) + path + u":", SystemErrorText(error)) : nullptr;
 }
 
@@ -47,6 +47,9 @@ ErrorInfo* Outcome(platform::SystemError error, CodeUnit const* complaint, Strin
 Directory::~Directory() = default;
 
 DiscDirectory::DiscDirectory(String directoryPath, ListingType listing, CodeUnit const* nameMask)
+    : path(std::move(directoryPath)), kind(listing), mask(nameMask) {}
+
+DiscDirectory::DiscDirectory(String directoryPath, ListingType listing, OtherCodeUnit const* nameMask)
     : path(std::move(directoryPath)), kind(listing), mask(nameMask) {}
 
 DiscDirectory::~DiscDirectory() = default;

@@ -11,7 +11,7 @@ namespace QMT {
 namespace {
 
 // Null for success, otherwise an error with the action, the path and the system's text.
-ErrorInfo* Outcome(platform::SystemError error, CodeUnit const* action, String const& path) {
+ErrorInfo* Outcome(platform::SystemError error, char16_t const* action, String const& path) {
     return error ? MakeError(String(action) + path + u":", SystemErrorText(error)) : nullptr;
 }
 

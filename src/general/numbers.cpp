@@ -35,7 +35,7 @@ void Capitalise(char* begin, char* end) {
                    [](char digit) { return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
 }
 
-ErrorInfo* NumberError(CodeUnit const* complaint, String const& text) {
+ErrorInfo* NumberError(char16_t const* complaint, String const& text) {
     return MakeError(String(complaint) + u": \"" + text + u"\"");
 }
 

@@ -39,7 +39,11 @@ public:
     }
 
 private:
-    void AddIf(bool wanted, TextView more) { separators += wanted ? more : TextView(); }
+    void AddIf(bool wanted, std::u16string_view more) {
+        if (wanted) {
+            separators.append(more.begin(), more.end());
+        }
+    }
 
     void SkipToElement(TextView text, std::size_t& position) const {
         if (collapsesRuns) {

@@ -59,8 +59,7 @@ ErrorInfo* Thread::StartRunning() {
         else
             started.detach();
     } catch (std::system_error const& error) {
-        auto const number = static_cast<std::uint32_t>(error.code().value());
-        return MakeError(std::move(message), SystemErrorText(number));
+        return MakeError(std::move(message), SystemErrorText(platform::ThreadStartError(error.code())));
     }
     return nullptr;
 }

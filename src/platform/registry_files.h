@@ -1,4 +1,5 @@
-// The files of a registry that the system does not keep itself. Paths are the system's own bytes.
+// The files of a registry that the system does not keep itself. Paths are as ToFileName (file_names.h) gives
+// them.
 #pragma once
 
 #include <string>
@@ -7,6 +8,8 @@
 #include "platform/system_errors.h"
 
 namespace QMT::platform {
+
+// For databases, so that Windows, which has a registry, has none of these three.
 
 // Where the databases stand when nobody has said otherwise: the user's below his configuration directory,
 // empty when he has none; the machine's where its administrator keeps settings.
@@ -20,7 +23,7 @@ enum class Readers { Owner, Everyone };
 // it is.
 SystemError MakeDatabaseFile(std::string const& path, Readers readers);
 
-// Writes a file that must not exist; after a failure it does not.
+// Everywhere: writes a file that must not exist; after a failure it does not.
 SystemError WriteNewFile(std::string const& path, std::string_view bytes);
 
 } // namespace QMT::platform

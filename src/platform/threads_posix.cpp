@@ -18,4 +18,8 @@ void NameCurrentThread(char const* name) {
 #endif
 }
 
+SystemError ThreadStartError(std::error_code const& error) {
+    return static_cast<SystemError>(error.value());
+}
+
 } // namespace QMT::platform

@@ -251,6 +251,7 @@ public:
 class QMT_GENU_API DiscDirectory : public Directory {
 public:
     DiscDirectory(String directoryPath, ListingType listing, CodeUnit const* nameMask);
+    DiscDirectory(String directoryPath, ListingType listing, OtherCodeUnit const* nameMask);
     ~DiscDirectory() override;
 
     ErrorInfo* EnsureExists() override;

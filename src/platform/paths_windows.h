@@ -1,0 +1,14 @@
+// Paths in the form that Windows takes whatever their length.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace QMT::platform {
+
+// A short path as it is, a longer one complete and with the mark in front that lifts the limit of 260 units.
+// Empty for one that no file can have: an empty one, or one that holds a zero.
+std::optional<std::wstring> ToSystemPath(std::wstring_view path);
+
+} // namespace QMT::platform
