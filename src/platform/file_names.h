@@ -9,8 +9,9 @@
 
 namespace QMT::platform {
 
-// The path as bytes; where the system names files by text, as UTF-8. A lone surrogate from 0xDC80 to 0xDCFF
-// stands for a byte of a name that is no UTF-8, as platform/files.h tells; any other takes three bytes.
+// The path as bytes, which are UTF-8; a lone surrogate takes three of them. POSIX: one from 0xDC80 to 0xDCFF
+// stands for a byte of a name that is no UTF-8, as platform/files.h tells. Windows: names are text, and its
+// calls want none of these bytes.
 std::string ToFileName(std::basic_string_view<CodeUnit> path);
 
 // Deletes a directory that is empty; enters the system and gives its error number.

@@ -47,7 +47,7 @@ SystemError HandOutValue(RegistryValue const& value, std::uint32_t* type, void* 
         *type = value.type;
     }
     if (!size) {
-        return data ? SystemError{EINVAL} : 0;
+        return data ? badArgument : 0;
     }
     std::uint32_t const room = std::exchange(*size, static_cast<std::uint32_t>(value.bytes.size()));
     if (!data) {
@@ -90,7 +90,7 @@ template <class Operation>
 SystemError StoredRegistry::OnKey(OpenKeyPointer const& key, std::uint32_t right, Span span,
                                   Operation operation) {
     if (!key) {
-        return EBADF;
+        return noOpenKey;
     }
     if ((key->access & right) == 0) {
         return accessRefused;
@@ -140,7 +140,7 @@ std::uint32_t StoredRegistry::RegOpenKeyExW(void* parent, CodeUnit const* subKey
                                             std::uint32_t access, void** key) {
     OpenKeyPointer const above = KeyOf(parent);
     if (!above) {
-        return EBADF;
+        return noOpenKey;
     }
     SystemError error = above->root.Store().Open(NeedsWriting(access));
     KeyNumber number = 0;
@@ -158,7 +158,7 @@ std::uint32_t StoredRegistry::RegCreateKeyExW(void* parent, CodeUnit const* subK
                                               void const*, void** key, std::uint32_t* disposition) {
     OpenKeyPointer const above = KeyOf(parent);
     if (!above) {
-        return EBADF;
+        return noOpenKey;
     }
     SystemError error = above->root.Store().Open(NeedsWriting(access));
     if (error && (NeedsWriting(access) || error != nothingThere)) {
@@ -187,7 +187,7 @@ std::uint32_t StoredRegistry::RegCloseKey(void* key) {
         return 0;
     }
     std::scoped_lock const lock(mutex);
-    return openKeys.erase(reinterpret_cast<std::uintptr_t>(key)) > 0 ? 0 : EBADF;
+    return openKeys.erase(reinterpret_cast<std::uintptr_t>(key)) > 0 ? 0 : noOpenKey;
 }
 
 // The value kept for this query, if there is one and nothing has been changed here since. It is kept no more.
@@ -243,7 +243,7 @@ std::uint32_t StoredRegistry::RegQueryMultipleValuesW(void* key, VALENTW* values
         return error;
     }
     if (needed > largestSize) {
-        return EOVERFLOW;
+        return tooMuchData;
     }
     std::uint32_t const room = std::exchange(*totalSize, static_cast<std::uint32_t>(needed));
     if (!buffer || room < needed) {
@@ -298,7 +298,7 @@ std::uint32_t StoredRegistry::RegEnumValueW(void* key, std::uint32_t index, Code
 std::uint32_t StoredRegistry::RegDeleteKeyW(void* key, CodeUnit const* subKey) {
     OpenKeyPointer const above = KeyOf(key);
     if (!above) {
-        return EBADF;
+        return noOpenKey;
     }
     SystemError const error = above->root.Store().Open(true);
     return error ? error : above->root.Remove(above->number, ViewOf(subKey));
@@ -313,7 +313,7 @@ std::uint32_t StoredRegistry::RegDeleteValueW(void* key, CodeUnit const* name) {
 std::uint32_t StoredRegistry::RegSaveKeyW(void* key, CodeUnit const* path, void const*) {
     OpenKeyPointer const saved = KeyOf(key);
     if (!saved) {
-        return EBADF;
+        return noOpenKey;
     }
     std::vector<SavedKey> keys;
     SystemError const error =
@@ -323,8 +323,7 @@ std::uint32_t StoredRegistry::RegSaveKeyW(void* key, CodeUnit const* path, void 
         return error;
     }
     std::string bytes;
-    return MakeRegistryText(keys, bytes) ? WriteNewFile(ToFileName(ViewOf(path)), bytes)
-                                         : SystemError{EILSEQ};
+    return MakeRegistryText(keys, bytes) ? WriteNewFile(ToFileName(ViewOf(path)), bytes) : noNameInText;
 }
 
 } // namespace QMT::platform

@@ -111,7 +111,7 @@ SystemError RegistryRoot::RemoveFound(KeyNumber key) {
     if (error == nothingThere) {
         return store->RemoveKey(key);
     }
-    return error ? error : SystemError{ENOTEMPTY};
+    return error ? error : hasSubKeys;
 }
 
 SystemError RegistryRoot::Remove(KeyNumber parent, RegistryTextView path) {
@@ -122,7 +122,7 @@ SystemError RegistryRoot::Remove(KeyNumber parent, RegistryTextView path) {
     KeyNumber key = parent;
     SystemError error = IfKeyIsThere(*store, parent, Walk(key, path));
     if (!error) {
-        error = key == parent ? SystemError{EINVAL} : RemoveFound(key);
+        error = key == parent ? badArgument : RemoveFound(key);
     }
     error = transaction.End(error);
     if (!error) {

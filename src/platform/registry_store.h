@@ -1,12 +1,12 @@
 // Where a registry keeps the keys of one root.
 #pragma once
 
-#include <cerrno>
 #include <cstdint>
 #include <mutex>
 #include <string>
 #include <string_view>
 
+#include "platform/registry_errors.h"
 #include "platform/system_errors.h"
 #include "qmt/general/code_unit.h"
 
@@ -24,11 +24,6 @@ struct RegistryValue {
     std::uint32_t type = 0;
     std::string bytes;
 };
-
-// The results of a store besides the system's own.
-inline constexpr SystemError nothingThere = ENOENT; // no such key or value
-inline constexpr SystemError keyIsGone = EIDRM;     // the key with this number has been deleted
-inline constexpr SystemError accessRefused = EACCES;
 
 // Keys and values behind elementary operations.
 //

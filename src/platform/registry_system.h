@@ -5,7 +5,8 @@
 
 namespace QMT::platform {
 
-// Made at the first call, and never destroyed.
+// Made at the first call, and never destroyed. Windows: the system's own, to which each call goes straight.
+// POSIX: two databases stand in for it.
 Registry& SystemRegistry();
 
 } // namespace QMT::platform

@@ -7,7 +7,8 @@
 
 namespace QMT::platform {
 
-// The name of the user with whose rights the process runs; empty when he has none.
+// The name of the user with whose rights the process runs; empty when he has none. Windows: his log-in name,
+// without the domain.
 std::basic_string<CodeUnit> UserName();
 
 } // namespace QMT::platform

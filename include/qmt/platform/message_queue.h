@@ -1,4 +1,5 @@
-// The queue of messages that each thread has, where the system does not bring one.
+// The queue of messages that each thread has, and posting to it. Where the system has queues of messages,
+// what is posted here goes through them.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +7,7 @@
 
 #include "qmt/export.h"
 
-// One message as it comes out of a queue; the system's own where it has queues of messages.
+// One message as it comes out of a queue: the MSG of <windows.h> where there is that.
 struct tagMSG; // NOLINT(readability-identifier-naming): the name is fixed
 
 namespace QMT {
@@ -25,7 +26,8 @@ class MessageList;
 //
 // The thread that is to be posted to takes its queue with OfThisThread and gives it to others, who may keep
 // it for as long as they like. The messages are handled while that thread calls
-// CheckQueueDuringLengthyOperation (qmt/helpers/system.h).
+// CheckQueueDuringLengthyOperation (qmt/helpers/system.h). Where the system has queues a post wakes the
+// thread from waiting for a message; its own loops pass over what was posted here.
 //
 // Guaranteed: messages of one posting thread are handled in order, each once; the handler sees all that was
 // done before the post. What is left when the thread ends is dropped.
@@ -45,7 +47,8 @@ private:
     std::weak_ptr<MessageList> list;
 };
 
-// What was posted, for a filter of CheckQueueDuringLengthyOperation.
+// What was posted, for a filter of CheckQueueDuringLengthyOperation; an empty one for a message of the
+// system.
 QMT_UTILU_API QueueMessage const& GetQueueMessage(tagMSG const& message);
 
 } // namespace QMT

@@ -54,6 +54,10 @@ struct VALENTW {
 // were made with. A handle of null, or one that is closed, fails the call. Every call may enter the system,
 // allocate, and wait for other threads and processes.
 //
+// A registry of the system's own keeps to its own rules where they differ: it knows the case of all letters,
+// refuses a path that begins with a backslash or has two in a row, may change what stands behind pointers
+// other than a key's after a failure, and may give the handle of a closed key to another.
+//
 //     void* key = nullptr;
 //     if (GetRegistry().RegOpenKeyExW(HKEY_CURRENT_USER, u"Software", 0, KEY_READ, &key) == 0) {
 //         ...
@@ -108,7 +112,8 @@ public:
     virtual std::uint32_t RegDeleteValueW(void* key, CodeUnit const* name) = 0;
 
     // Writes the key and all below it, as they stand at one moment, to a new file; one that exists is a
-    // failure.
+    // failure. It is text that registry editors read; a registry of the system's own writes its own form, and
+    // refuses users without the right to make backups.
     virtual std::uint32_t RegSaveKeyW(void* key, CodeUnit const* path, void const* security) = 0;
 };
 
