@@ -7,9 +7,12 @@
 
 namespace QMT::platform {
 
-// The zone is the one that the environment variable "TZ" names, or the machine's own without one. POSIX: its
-// zone data. Windows: the C run-time library, which knows the machine's zone and one rule of saving time, and
-// no count before 1970.
+// The zone is the one that the environment variable "TZ" names, or the machine's own without one. POSIX: what
+// it names is found in the system's zone data. Windows: a zone by the name that Windows gives it, such as
+// "W. Europe Standard Time", with the rules of each year as the system knows them; or a text such as
+// "CET-1CEST,M3.5.0,M10.5.0/3" (zone_rules_windows.h), whose rules hold in every year. Anything else, like
+// "Europe/Berlin", is no zone there and counts as unset. The C run-time library of Windows is not asked: it
+// knows one rule for all years, and that of the United States for any text.
 //
 // Any thread may call these, several at once. They enter the system, may wait for each other and may read
 // files. The environment does not change meanwhile.
