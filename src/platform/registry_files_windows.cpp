@@ -15,11 +15,11 @@ SystemError WriteAll(HANDLE file, std::string_view bytes) {
         auto const piece = static_cast<DWORD>(bytes.substr(0, mostAtOnce).size());
         DWORD written = 0;
         if (!WriteFile(file, bytes.data(), piece, &written, nullptr)) {
-            return LastSystemError();
+            return GetLastError();
         }
         bytes.remove_prefix(written);
     }
-    return FlushFileBuffers(file) ? SystemError{} : LastSystemError();
+    return FlushFileBuffers(file) ? SystemError{} : GetLastError();
 }
 
 } // namespace
@@ -32,7 +32,7 @@ SystemError WriteNewFile(std::string const& path, std::string_view bytes) {
     HANDLE const file = CreateFileW(systemPath->c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
-        return LastSystemError();
+        return GetLastError();
     }
     SystemError const error = WriteAll(file, bytes);
     CloseHandle(file);
