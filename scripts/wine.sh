@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
 # Runs a Windows program without a screen, in a wine directory of its own: scripts/wine.sh FOLDER PROGRAM [ARGUMENT...]
 #
-# FOLDER is made when missing, which takes some seconds. With --stop in place of the program it ends what wine
-# has left running for that folder. Wine's server stays for a while after the last program, so that the next
-# one starts at once.
+# FOLDER is made when missing, which takes some seconds. Wine's server stays for a minute after the last
+# program, so that the next one starts at once; `scripts/wine.sh FOLDER --stop` ends it, for this folder alone.
 set -euo pipefail
 
 wine=/usr/lib/wine # Debian's wine64 alone brings no command of its own
@@ -11,8 +10,19 @@ export WINEPREFIX=$1 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,msht
 unset DISPLAY WAYLAND_DISPLAY
 shift
 
-if [[ $1 == --stop ]]; then
+# The libraries are made for Windows 10.
+make_folder() {
+    "$wine/wine64" reg add 'HKCU\Software\Wine' /v Version /d win10 /f
+    touch "$WINEPREFIX/made"
+}
+
+if [[ ${1:-} == --stop ]]; then
     exec "$wine/wineserver64" -k
 fi
 mkdir -p "$WINEPREFIX"
+(
+    flock 9
+    "$wine/wineserver64" -p60 2>/dev/null || true # it runs already
+    [[ -e $WINEPREFIX/made ]] || make_folder >/dev/null
+) 9>"$WINEPREFIX.lock"
 exec "$wine/wine64" "$@"

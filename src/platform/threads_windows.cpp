@@ -2,12 +2,27 @@
 
 #include <windows.h>
 
+#if defined(__MINGW32__)
+#include <cxxabi.h>
+#endif
+
 #include "platform/wide_text_windows.h"
 
 // The compiler's headers may be older than the function.
 extern "C" WINBASEAPI HRESULT WINAPI SetThreadDescription(HANDLE thread, PCWSTR description);
 
 namespace QMT::platform {
+
+#if defined(__MINGW32__)
+namespace {
+
+// The compiler's run-time library destroys a thread's variables through one key of its thread library, and
+// frees their memory through another; when a thread ends, the key that was made first has its turn first. So
+// the key of the destructors is made while this library is loaded, before any thread has such a variable.
+[[maybe_unused]] int const madeKeyOfDestructors = abi::__cxa_thread_atexit([](void*) {}, nullptr, nullptr);
+
+} // namespace
+#endif
 
 void NameCurrentThread(char const* name) {
     if (name)

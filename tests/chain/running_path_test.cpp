@@ -2,8 +2,6 @@
 // wake each other.
 #include <ostream>
 
-#include <unistd.h>
-
 #include "qmt/chain/chain_links.h"
 #include "support/chain_fixtures.h"
 #include "support/path_counters.h"
@@ -56,7 +54,7 @@ TEST_F(RunningPath, CountersSeeWhatTheThreadsOfAChainDo) {
             else if (offence % 3 == 1)
                 CritSectionLock const lock(&section);
             else
-                getppid();
+                EnterSystem();
         };
         PathCounts const counts = CountsOf(writer, reader);
         long const counted[] = {counts.allocations, counts.locks, counts.systemCalls};

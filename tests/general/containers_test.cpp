@@ -88,7 +88,7 @@ TEST(Containers, DetachAlsoInsideOfEachOtherOnSeveralThreadsAtOnce) {
         handle[0].Add(u"first");
         std::vector others(2, handle);
         std::latch start(3);
-        auto const write = [&](auto& own, CodeUnit const* text) {
+        auto const write = [&](auto& own, char16_t const* text) {
             start.arrive_and_wait();
             own.Add(std::as_const(own)[0]);
             own[0].Insert(0, std::as_const(own)[0][0]);

@@ -1,6 +1,7 @@
 #include "qmt/general/errors.h"
 
 #include "support/text.h"
+#include "support/this_system.h"
 
 namespace QMT {
 
@@ -13,10 +14,10 @@ TEST(Errors, JoinMessageAndDetailStraight) {
 }
 
 TEST(Errors, DebugOutputGetsWholeLines) {
-    testing::internal::CaptureStderr();
+    DebugOutput output;
     LogToIDE(u"one \u20AC");
     LogToIDE(u"");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "one \xE2\x82\xAC\n\n");
+    EXPECT_EQ(output.Take(), "one \xE2\x82\xAC\n\n");
 }
 
 } // namespace

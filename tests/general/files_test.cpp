@@ -35,7 +35,7 @@ String Write(String const& path, FileMedium* medium, bool append, String const& 
 
 TEST(LineParsableFile, DecodesAndCutsLinesHoweverTheBytesArrive) {
     using namespace std::string_literals;
-    std::pair<std::string, CodeUnit const*> const cases[] = {
+    std::pair<std::string, char16_t const*> const cases[] = {
         {"", u""},
         {"a\r\nb\rc\n\nd\r", u"a|b|c||d|"},
         {"\n\r\n\r\r\na", u"||||a|"},
@@ -126,7 +126,7 @@ TEST(FormatableTextFile, WritesOverTheOldTextAndThenCuts) {
 }
 
 TEST(FormatableTextFile, PutsMarksAtTheHeadOnly) {
-    std::tuple<char const*, char const*, bool, Bom, CodeUnit const*> const cases[] = {
+    std::tuple<char const*, char const*, bool, Bom, char16_t const*> const cases[] = {
         {"old", "x", false, Bom::NoMark, u"x"},
         {"old", "\xEF\xBB\xBFx", false, Bom::Utf8Mark, u"x"},
         {"old", "\xEF\xBB\xBF\xEF\xBB\xBFx", false, Bom::NoMark, u"\uFEFFx"},
@@ -194,7 +194,7 @@ TEST(DiscFiles, FullDiscIsReported) {
 }
 
 // The names that the directory lists, each with a bar behind it and a star in front of a directory's.
-String List(TempDirectory const& place, Directory::ListingType kind, CodeUnit const* mask) {
+String List(TempDirectory const& place, Directory::ListingType kind, char16_t const* mask) {
     std::vector<Directory::Entry> entries;
     String names = TakeError(DiscDirectory(place.Path(), kind, mask).GetEntries(entries));
     for (auto const& entry : entries)
@@ -208,7 +208,7 @@ TEST(DiscDirectory, IsMadeAndListsByKindAndMask) {
     EXPECT_GE(TakeError(sub.DoesNotExist()).Find(place.Path(u"sub.d")), 0);
     String const made = TakeError(sub.EnsureExists());
     EXPECT_EQ(made + TakeError(sub.EnsureExists()) + TakeError(sub.DoesNotExist()), u"");
-    for (CodeUnit const* name : {u"b.cfg", u"a.cfg", u"plain", u".cfg"})
+    for (char16_t const* name : {u"b.cfg", u"a.cfg", u"plain", u".cfg"})
         EXPECT_EQ(Write(place.Path(name), nullptr, false, u""), u"");
     DiscDirectory file(place.Path(u"plain"), {}, u"*.*");
     EXPECT_FALSE(TakeError(file.EnsureExists()).IsEmpty() || TakeError(file.DoesNotExist()).IsEmpty());
@@ -216,7 +216,7 @@ TEST(DiscDirectory, IsMadeAndListsByKindAndMask) {
     EXPECT_EQ(List(place, Kind(0), u"*.*"), u".cfg|a.cfg|b.cfg|plain|*sub.d|");
     EXPECT_EQ(List(place, Kind::Files, u"*"), u".cfg|a.cfg|b.cfg|plain|");
     EXPECT_EQ(List(place, Kind::Directories, u"*.*"), u"*sub.d|");
-    auto const fitting = [&](CodeUnit const* mask) { return List(place, Kind::All, mask); };
+    auto const fitting = [&](char16_t const* mask) { return List(place, Kind::All, mask); };
     EXPECT_EQ(fitting(u"?.cfg") + fitting(u"a.cfg?") + fitting(u"A.cfg") + fitting(u""), u"a.cfg|b.cfg|");
     EXPECT_EQ(fitting(u"*.cfg") + fitting(u"**b*.d"), u".cfg|a.cfg|b.cfg|*sub.d|");
     EXPECT_EQ(fitting(u"*a*") + fitting(u"p*l*n"), u"a.cfg|plain|plain|");
@@ -226,7 +226,7 @@ TEST(DiscDirectory, IsMadeAndListsByKindAndMask) {
 
 TEST(DiscDirectory, TakesNamesOfAnyKind) {
     TempDirectory place;
-    for (CodeUnit const* name : {u"\xD800x", u"y\xDC80", u"\u20AC\U0001F600"})
+    for (char16_t const* name : {u"\xD800x", u"y\xDC80", u"\u20AC\U0001F600"})
         EXPECT_EQ(Write(place.Path(name), nullptr, false, u"1"), u"");
     std::ofstream(place.Place() / "\xFF\xE2\x82z") << "1";
     std::vector<Directory::Entry> entries;
@@ -238,7 +238,7 @@ TEST(DiscDirectory, TakesNamesOfAnyKind) {
 
 // What stands in front of the text are flags: n for lines, b and s for the path separators, f for fields.
 TEST(ParsableText, SplitsByItsFlags) {
-    CodeUnit const* const cases[][3] = {{u"", u" \tone two\r\n\nthree ", u"one|two|three|"},
+    char16_t const* const cases[][3] = {{u"", u" \tone two\r\n\nthree ", u"one|two|three|"},
                                         {u"n", u"  a b\r\n\r\nc\rd\n\ne", u"  a b||c|d||e|"},
                                         {u"n", u"\n\r", u"||"},
                                         {u"b", u"\\a\\b c/d\\", u"a|b c/d|"},
@@ -253,7 +253,7 @@ TEST(ParsableText, SplitsByItsFlags) {
                                         {u"f", u"\t", u""}};
     for (auto const& [flags, text, expected] : cases) {
         ParsableText parsable(text);
-        auto const has = [&](CodeUnit const* flag) { return String(flags).Find(flag) >= 0; };
+        auto const has = [&](char16_t const* flag) { return String(flags).Find(flag) >= 0; };
         parsable.splitOnLineEnds = has(u"n"), parsable.splitOnFields = has(u"f");
         parsable.splitOnBackslash = has(u"b"), parsable.splitOnSlash = has(u"s");
         String elements, element(u"kept");

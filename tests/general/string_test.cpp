@@ -125,9 +125,9 @@ std::optional<Number> Read(String const& text) {
 }
 
 TEST(String, ReadsNumbers) {
-    for (CodeUnit const* text : {u"08", u" +8\r\n", u"8", u"\t0000000000000000000000008"})
+    for (char16_t const* text : {u"08", u" +8\r\n", u"8", u"\t0000000000000000000000008"})
         EXPECT_TRUE(Read<unsigned int>(text) == 8u && Read<long int>(text) == 8 && Read<double>(text) == 8);
-    for (CodeUnit const* text : {u"", u" ", u"-", u"+-8", u"- 8", u"8 8", u"0x8", u"8a", u"inf", u"-nan",
+    for (char16_t const* text : {u"", u" ", u"-", u"+-8", u"- 8", u"8 8", u"0x8", u"8a", u"inf", u"-nan",
                                  u"\uFF18", u"8\u0661", u"1e", u"1,5", u"."})
         EXPECT_FALSE(Read<unsigned int>(text) || Read<long int>(text) || Read<double>(text));
     EXPECT_FALSE(Read<long int>(u"1.5") || Read<int>(u"1e3") || Read<unsigned int>(u"-1"));
@@ -142,7 +142,7 @@ TEST(String, ReadsNumbers) {
 }
 
 TEST(String, DecodesAnyBytes) {
-    std::pair<char const*, CodeUnit const*> const cases[] = {
+    std::pair<char const*, char16_t const*> const cases[] = {
         {nullptr, u""},
         {"a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"a\u00E9\u20AC\U0001F600"},
         {"\xED\xA0\x80|\xED\xBF\xBF|\xED\xA0", u"\xD800|\xDFFF|\uFFFD\uFFFD"},

@@ -23,6 +23,9 @@ void CountThisThread();
 // Gives what was done since `OpenWindow`, by the thread that has called it and all others.
 PathCounts CloseWindow();
 
+// Makes one system call.
+void EnterSystem();
+
 #else
 
 inline char const* WhyPathsAreNotCounted() {
@@ -36,6 +39,8 @@ inline void CountThisThread() {}
 inline PathCounts CloseWindow() {
     return {};
 }
+
+inline void EnterSystem() {}
 
 #endif
 

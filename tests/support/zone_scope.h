@@ -3,11 +3,11 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <ctime>
 #include <optional>
 #include <string>
 
 #include "qmt/time/utc_local_time.h"
+#include "support/this_system.h"
 
 namespace QMT {
 
@@ -36,13 +36,7 @@ public:
     // The records stay until the next refresh, as they do after `SetZone`.
     void StandAt(UTCTime const& now) { seconds = (now - Epoch()).GetTotalSeconds(); }
 
-    static void SetZone(char const* zone) {
-        if (zone)
-            setenv("TZ", zone, 1);
-        else
-            unsetenv("TZ");
-        tzset();
-    }
+    static void SetZone(char const* zone) { SetVariable("TZ", zone ? SystemNameOf(zone).c_str() : nullptr); }
 
     static UTCTime Epoch() { return UTCTime(1970, 1, 1, 0, 0, 0); }
 

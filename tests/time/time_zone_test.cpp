@@ -6,9 +6,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 #include <thread>
@@ -174,11 +171,6 @@ std::int64_t MonthStart(int year, unsigned int month) {
     return (UTCTime(unsigned(year), month, 1, 0) - ZoneScope::Epoch()).GetTotalSeconds();
 }
 
-std::int64_t SystemOffset(std::time_t count) {
-    std::tm fields{};
-    return localtime_r(&count, &fields)->tm_gmtoff;
-}
-
 // Finds the changes of a year and some days around it, and tells what they are like; in brackets where the
 // search may find them inexactly.
 std::string FindChanges(int year, std::vector<std::int64_t>& changes) {
@@ -236,20 +228,6 @@ bool Agrees(std::int64_t moment, int year) {
            (before == after || ReadingAgrees(moment + after, before, after, year));
 }
 
-// Names by the zone's data.
-std::map<std::string, std::string> Zones() {
-    char const* const given = std::getenv("TZDIR");
-    std::filesystem::path const root = given ? given : "/usr/share/zoneinfo";
-    std::map<std::string, std::string> names;
-    for (auto const& entry : std::filesystem::recursive_directory_iterator(root)) {
-        std::ifstream file(entry.is_regular_file() ? entry.path() : "", std::ios::binary);
-        std::string const data(std::istreambuf_iterator<char>(file), {});
-        if (data.starts_with("TZif"))
-            names.emplace(data, entry.path().lexically_relative(root).string());
-    }
-    return names;
-}
-
 // Tries one year of each zone at every seventh hour; with QMT_ZONE_ORACLE=all every year from 1970 to 2037 at
 // every hour, which takes some minutes.
 TEST(TimeZone, AgreesWithTheSystemInEveryZone) {
@@ -258,7 +236,7 @@ TEST(TimeZone, AgreesWithTheSystemInEveryZone) {
     auto const pick = [&](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
     ZoneScope zone("UTC0", ZoneScope::Epoch());
     std::map<std::string, int> counts;
-    for (auto const& [data, name] : Zones()) {
+    for (auto const& [data, name] : SystemZones()) {
         ZoneScope::SetZone(name.c_str());
         int const first = all ? 1970 : pick(1970, 2037), last = all ? 2037 : first;
         for (int year = first; year <= last; ++year) {
