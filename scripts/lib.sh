@@ -10,9 +10,12 @@ build_packages=(cmake ninja-build g++ python3 tzdata
     libutfcpp-dev libgtest-dev libbenchmark-dev libsndfile1-dev libsqlite3-dev pkgconf
     libboost-dev libtbb-dev libcctz-dev libgumbo-dev libxml2-dev libpcre2-dev
     qt6-base-dev libglib2.0-dev libspdlog-dev libyuv-dev libswscale-dev libpng-dev libjpeg-dev)
+# What the windows preset takes besides.
+# shellcheck disable=SC2034
+windows_packages=(g++-mingw-w64-x86-64-posix googletest wine64)
 # What the checks and the other presets take besides.
 # shellcheck disable=SC2034
-check_packages=(clang-14 libclang-rt-14-dev llvm-14 clang-format-14 clang-tidy-14 binutils shellcheck wine64)
+check_packages=(clang-14 libclang-rt-14-dev llvm-14 clang-format-14 clang-tidy-14 binutils shellcheck)
 
 die() {
     echo "$(basename "$0"): $*" >&2

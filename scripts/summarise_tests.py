@@ -1,14 +1,25 @@
 #!/usr/bin/env python3
-"""Counts the tests in a folder of GoogleTest's XML reports and names those skipped: summarise_tests.py FOLDER"""
+"""Counts the tests in a folder of GoogleTest's XML reports: summarise_tests.py FOLDER
+
+Of tests that run over several backends it counts those of each. Skipped ones are named with their reasons.
+"""
 
 import sys
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 
+def backend_of(case):
+    """Suite and backend, which is the parameter's name or else, where that is a number, the instance's; or None."""
+    instance, slash, suite = case.get("classname").partition("/")
+    parameter = case.get("name").rpartition("/")[2]
+    return (suite, instance if parameter.isdigit() else parameter) if slash else None
+
+
 def main(folder):
     run = 0
     skips = {}
+    backends = {}
     reports = sorted(Path(folder).glob("*.xml"))
     for report in reports:
         for case in ElementTree.parse(report).getroot().iter("testcase"):
@@ -20,8 +31,13 @@ def main(folder):
                 skips.setdefault(reason, []).append(name)
             elif case.get("status") == "run":
                 run += 1
+                if backend_of(case):
+                    backends[backend_of(case)] = backends.get(backend_of(case), 0) + 1
     skipped = sum(len(names) for names in skips.values())
     print(f"    {run} tests in {len(reports)} programs passed, {skipped} skipped")
+    for suite in sorted({suite for suite, _ in backends}):
+        counts = (f"{name} {count}" for (of, name), count in sorted(backends.items()) if of == suite)
+        print(f"    {suite}: {', '.join(counts)}")
     for reason, names in skips.items():
         print(f"    skipped: {reason}")
         for name in names:
