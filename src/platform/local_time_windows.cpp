@@ -160,18 +160,6 @@ std::tm ToFields(std::int64_t reading, bool isSaving) {
     return fields;
 }
 
-// As if it were UTC; a field out of range is carried over. Empty for a year that Windows cannot express.
-std::optional<std::int64_t> ToReading(std::tm const& fields) {
-    std::int64_t const months = (std::int64_t{fields.tm_year} + 1900) * 12 + fields.tm_mon;
-    if (months < firstYear * 12 || months >= (lastYear + 1) * 12)
-        return std::nullopt;
-    chrono::year_month_day const first(chrono::year(static_cast<int>(months / 12)),
-                                       chrono::month(static_cast<unsigned int>(months % 12) + 1),
-                                       chrono::day(1));
-    std::int64_t const days = chrono::sys_days(first).time_since_epoch().count() + fields.tm_mday - 1;
-    return ((days * 24 + fields.tm_hour) * 60 + fields.tm_min) * 60 + fields.tm_sec;
-}
-
 } // namespace
 
 void ReadLocalZone() noexcept {
@@ -187,25 +175,6 @@ std::optional<std::tm> LocalFields(std::int64_t utcSeconds) noexcept {
     if (!rule)
         return std::nullopt;
     return ToFields(utcSeconds + rule->OffsetAt(utcSeconds), rule->IsSaving(utcSeconds));
-}
-
-// Any change that matters lies between a day before the reading and a day behind it.
-std::optional<std::int64_t> LocalToUtcSeconds(std::tm fields) noexcept {
-    std::optional<std::int64_t> const reading = ToReading(fields);
-    SharedZone& shared = Shared();
-    std::scoped_lock const lock(shared.mutex);
-    std::optional<std::int64_t> result;
-    for (std::int64_t const shift : {day, -day}) {
-        YearRule const* const nearby = reading ? shared.zone.RuleAt(*reading + shift) : nullptr;
-        if (!nearby)
-            return std::nullopt;
-        std::int64_t const offset = nearby->OffsetAt(*reading + shift);
-        std::int64_t const moment = *reading - offset;
-        YearRule const* const rule = shared.zone.RuleAt(moment);
-        if (rule && (!result || rule->OffsetAt(moment) == offset))
-            result = moment;
-    }
-    return result;
 }
 
 } // namespace QMT::platform

@@ -43,6 +43,8 @@ struct LogDirectory : TempDirectory {
         SetErrLogPath(Path());
         PortableTime::InstallCurrentTimeModifier(TestClock);
     }
+
+    std::string Lines(char const* file) const { return ContentOf(Place() / file, std::ios::in); }
 };
 
 TEST(ErrorLog, IsOffUntilItHasADirectory) {
@@ -66,10 +68,9 @@ TEST(ErrorLog, OneLineForEachErrorInTheFileOfItsMonths) {
     Log(u"2024/08/31 23:59:59", u"");
     Log(u"2024/09/01 00:00:00", u"autumn");
     Log(u"2024/12/31 23:59:59", u"last");
-    EXPECT_EQ(ContentOf(log.Place() / "1.log"), "2024/01/01 00:00:00 first\n2024/04/30 23:59:59 Disc full\n");
-    EXPECT_EQ(ContentOf(log.Place() / "2.log"),
-              "2024/05/01 00:00:00 two\nlines, \xe2\x82\xac\n2024/08/31 23:59:59 \n");
-    EXPECT_EQ(ContentOf(log.Place() / "3.log"), "2024/09/01 00:00:00 autumn\n2024/12/31 23:59:59 last\n");
+    EXPECT_EQ(log.Lines("1.log"), "2024/01/01 00:00:00 first\n2024/04/30 23:59:59 Disc full\n");
+    EXPECT_EQ(log.Lines("2.log"), "2024/05/01 00:00:00 two\nlines, \xe2\x82\xac\n2024/08/31 23:59:59 \n");
+    EXPECT_EQ(log.Lines("3.log"), "2024/09/01 00:00:00 autumn\n2024/12/31 23:59:59 last\n");
 }
 
 TEST(ErrorLog, StartsAFileOfAnotherYearAnew) {
@@ -81,12 +82,12 @@ TEST(ErrorLog, StartsAFileOfAnotherYearAnew) {
         std::ofstream(log.Place() / "2.log", std::ios::binary) << old;
         Log(u"2024/06/01 00:00:00", u"new");
         bool const isStale = old[0] == '2' && !old.starts_with("2024");
-        EXPECT_EQ(ContentOf(log.Place() / "2.log"), isStale ? line : old + line) << old;
+        EXPECT_EQ(log.Lines("2.log"), isStale ? line : old + line) << old;
     }
     LogDirectory const samePeriod; // which has been looked at
     std::ofstream(samePeriod.Place() / "2.log") << "2023 old ";
     Log(u"2024/06/01 00:00:00", u"new");
-    EXPECT_EQ(ContentOf(samePeriod.Place() / "2.log"), "2023 old " + line);
+    EXPECT_EQ(samePeriod.Lines("2.log"), "2023 old " + line);
 }
 
 TEST(ErrorLog, SwallowsItsOwnFailures) {
@@ -112,7 +113,7 @@ TEST(ErrorLog, ThreadsDoNotMixLinesAndFetchTheTimeBeforeTheyWait) {
         });
     for (int entry = 0; entry < 200; ++entry)
         expected += "2024/03/05 14:07:09 text\n";
-    EXPECT_EQ(ContentOf(log.Place() / "1.log"), expected);
+    EXPECT_EQ(log.Lines("1.log"), expected);
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 #include "qmt/general/files.h"
 
-#include <fstream>
 
 #include "support/memory_medium.h"
 #include "support/temp_directory.h"
 #include "support/text.h"
+#include "support/this_system.h"
 
 namespace QMT {
 
@@ -167,6 +167,7 @@ TEST(FormatableTextFile, KeepsTheTextWhenAFlushFails) {
 }
 
 TEST(DiscFiles, AddReplaceAndVanish) {
+    EXPECT_EQ(String() << newline, PathSeparatorIsBackslash() ? u"\r\n" : u"\n");
     TempDirectory directory;
     String const path = directory.Path(u"f");
     EXPECT_EQ(Write(path, nullptr, true, u"one\n") << Write(path, nullptr, true, u"two"), u"");
@@ -226,14 +227,19 @@ TEST(DiscDirectory, IsMadeAndListsByKindAndMask) {
 
 TEST(DiscDirectory, TakesNamesOfAnyKind) {
     TempDirectory place;
-    for (char16_t const* name : {u"\xD800x", u"y\xDC80", u"\u20AC\U0001F600"})
+    std::vector<String> names{u"\u20AC\U0001F600"};
+    if (TakesLoneSurrogates())
+        names.insert(names.end(), {u"\xD800x", u"y\xDC80"});
+    for (String const& name : names)
         EXPECT_EQ(Write(place.Path(name), nullptr, false, u"1"), u"");
-    std::ofstream(place.Place() / "\xFF\xE2\x82z") << "1";
+    std::size_t const withoutText = MakeFileWithoutText(place.Place()) ? 1 : 0;
     std::vector<Directory::Entry> entries;
     EXPECT_EQ(TakeError(DiscDirectory(place.Path(), {}, u"*").GetEntries(entries)), u"");
-    EXPECT_EQ(entries.size(), 4u);
+    EXPECT_EQ(entries.size(), names.size() + withoutText);
     for (auto const& entry : entries)
         EXPECT_EQ(ReadLines(place.Path(entry.name), nullptr), u"1|");
+    if (!TakesLoneSurrogates())
+        GTEST_SKIP() << "wine takes no lone surrogate in a file's name; other names were tried";
 }
 
 // What stands in front of the text are flags: n for lines, b and s for the path separators, f for fields.

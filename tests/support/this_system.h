@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <string>
 
@@ -12,6 +13,12 @@ void SetVariable(char const* name, char const* value);
 
 // The name under which the system shows the calling thread; empty when it shows none.
 std::string ShownThreadName();
+
+// Whether a file's name may hold a lone surrogate. Wine, unlike Windows, takes none.
+bool TakesLoneSurrogates();
+
+// Makes a file that holds "1", with a name that is no text, in the directory, if there can be one.
+bool MakeFileWithoutText(std::filesystem::path const& directory);
 
 // Gathers what goes to the developer's debug output from any thread, one at a time in the process.
 class DebugOutput {
@@ -28,7 +35,7 @@ public:
 // The system's zones: what "TZ" takes, by the zone's facts, so that each zone comes once.
 std::map<std::string, std::string> SystemZones();
 
-// What this system calls a zone that others call "Europe/Istanbul".
+// What this system calls a zone that others call "Europe/Istanbul"; empty when it has no such zone.
 std::string SystemNameOf(std::string const& zone);
 
 // Local time minus UTC, in seconds, in the zone that "TZ" names, by the system's facts.

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -22,6 +21,15 @@ std::string ShownThreadName() {
     std::string name;
     std::getline(std::ifstream("/proc/thread-self/comm"), name);
     return name;
+}
+
+bool TakesLoneSurrogates() {
+    return true;
+}
+
+bool MakeFileWithoutText(std::filesystem::path const& directory) {
+    std::ofstream(directory / "\xFF\xE2\x82z") << "1";
+    return true;
 }
 
 DebugOutput::DebugOutput() {

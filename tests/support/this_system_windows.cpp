@@ -114,6 +114,17 @@ std::string ShownThreadName() {
     return name;
 }
 
+bool TakesLoneSurrogates() {
+    std::wstring const file = std::filesystem::temp_directory_path().native() + L"qmt\xD800";
+    HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                      FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    return handle != INVALID_HANDLE_VALUE && CloseHandle(handle);
+}
+
+bool MakeFileWithoutText(std::filesystem::path const&) {
+    return false;
+}
+
 DebugOutput::DebugOutput() {
     gathered.clear();
     gathering = AddVectoredExceptionHandler(1, Gather);
@@ -133,7 +144,9 @@ std::map<std::string, std::string> SystemZones() {
     DYNAMIC_TIME_ZONE_INFORMATION zone{};
     for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &zone) == ERROR_SUCCESS; ++i) {
         std::string const name = ToUtf8(zone.TimeZoneKeyName);
-        names.emplace(name, name);
+        // In "TZ" a name such as "UTC-02" means two hours east of UTC, for the system a zone to the west.
+        if (name.find_first_of("+-") == std::string::npos)
+            names.emplace(name, name);
     }
     return names;
 }
@@ -142,7 +155,8 @@ std::string SystemNameOf(std::string const& zone) {
     static std::map<std::string, std::string> const names = {
         {"America/Cancun", "Eastern Standard Time (Mexico)"}, {"Europe/Istanbul", "Turkey Standard Time"}};
     auto const found = names.find(zone);
-    return found == names.end() ? zone : found->second;
+    bool const isName = zone.find('/') != std::string::npos;
+    return found != names.end() ? found->second : isName ? "" : zone;
 }
 
 // By the facts of the year that the wall clock shows.

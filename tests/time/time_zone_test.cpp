@@ -54,6 +54,10 @@ TEST(TimeZone, FindsTheChangesOfAYear) {
          u"-21600|-18000|2015/02/01 02:00|2016/01/01 00:00|2015/02/01 08:00|2016/01/01 05:00|"}};
 
     for (auto const& [year, name, expected] : cases) {
+        if (SystemNameOf(name).empty()) {
+            std::cout << "the system has no zone " << name << '\n';
+            continue;
+        }
         ZoneScope const zone(name, UTCTime(year, 7, 1, 0));
         ZoneYear const facts = PortableTime::GetZoneYear(int(year));
         String text = Joined(facts.janOffset.GetTotalSeconds(), facts.junOffset.GetTotalSeconds());

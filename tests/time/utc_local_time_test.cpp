@@ -78,6 +78,8 @@ String UnitsOf(Time const& value) {
 
 // Beside a year that the search takes for unchanging, at New Year 2030.
 TEST(LocalTime, RecordsThatDisagreeAtNewYear) {
+    if (SystemNameOf("Africa/Casablanca").empty())
+        GTEST_SKIP() << "Windows has no zone with the changes of Africa/Casablanca";
     ZoneScope const zone("Africa/Casablanca", UTCTime(2029, 7, 1, 0));
     LocalTime const reading(2030, 1, 1, 0, 30, 0);
     EXPECT_EQ(UTCTime(reading).YMDHM(true), u"2030/01/01 00:30");
@@ -126,9 +128,9 @@ TEST(LocalTime, NowIsTheApplicationsTime) {
     ZoneScope const zone("EST5", UTCTime(2024, 3, 1, 2, 7, 9));
     EXPECT_EQ(Joined(LocalTime::GetTimeNow().YMDHMS(true), LocalTime::GetTodayStart().YMDHMS(true)),
               u"2024/02/29 21:07:09|2024/02/29 00:00:00|");
-    testing::internal::CaptureStderr();
+    DebugOutput output;
     LogToIDETime(u"Started");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Started at 2024/02/29 21:07:09\n");
+    EXPECT_EQ(output.Take(), "Started at 2024/02/29 21:07:09\n");
 }
 
 } // namespace
