@@ -21,8 +21,12 @@ if [[ ${1:-} == --stop ]]; then
 fi
 mkdir -p "$WINEPREFIX"
 (
+    # What stays behind must keep neither the lock nor the caller's output.
     flock 9
-    "$wine/wineserver64" -p60 2>/dev/null || true # it runs already
-    [[ -e $WINEPREFIX/made ]] || make_folder >/dev/null
+    exec >/dev/null 2>&1
+    if "$wine/wineserver64" -p60 9>&-; then # it did not run before
+        "$wine/wine64" cmd /c exit 9>&-
+    fi
+    [[ -e $WINEPREFIX/made ]] || make_folder 9>&-
 ) 9>"$WINEPREFIX.lock"
 exec "$wine/wine64" "$@"

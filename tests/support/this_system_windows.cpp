@@ -155,7 +155,7 @@ std::string SystemNameOf(std::string const& zone) {
     static std::map<std::string, std::string> const names = {
         {"America/Cancun", "Eastern Standard Time (Mexico)"}, {"Europe/Istanbul", "Turkey Standard Time"}};
     auto const found = names.find(zone);
-    bool const isName = zone.find('/') != std::string::npos;
+    bool const isName = zone.find('/') != std::string::npos && zone.find(',') == std::string::npos;
     return found != names.end() ? found->second : isName ? "" : zone;
 }
 
