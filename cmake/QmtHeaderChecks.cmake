@@ -1,6 +1,7 @@
 # Compiles every public header twice: as the first and only thing in a source, and behind the macros that
 # <windows.h> would define: those of tests/support/windows_macros.h, and the operations that it renames to a narrow
-# or a wide form, here to what does not compile, so that no public header uses a plausible name of them.
+# or a wide form, here to what does not compile, so that no public header uses a plausible name of them. On Windows
+# the real one, in front of it and behind it, with all that it defines.
 
 set(renamed
     CopyFile CreateDirectory CreateEvent CreateFile CreateMutex CreateProcess CreateSemaphore DeleteFile
@@ -34,6 +35,12 @@ foreach(header IN LISTS headers)
     set(behind ${PROJECT_BINARY_DIR}/header_checks/${name}_behind_windows.cpp)
     file(CONFIGURE OUTPUT ${behind} CONTENT "#include \"behind_windows.h\"\n#include \"@header@\"\n" @ONLY)
     list(APPEND sources ${alone} ${behind})
+    if(WIN32)
+        set(real ${PROJECT_BINARY_DIR}/header_checks/${name}_with_windows)
+        file(CONFIGURE OUTPUT ${real}_first.cpp CONTENT "#include <windows.h>\n#include \"@header@\"\n" @ONLY)
+        file(CONFIGURE OUTPUT ${real}_last.cpp CONTENT "#include \"@header@\"\n#include <windows.h>\n" @ONLY)
+        list(APPEND sources ${real}_first.cpp ${real}_last.cpp)
+    endif()
 endforeach()
 
 add_library(qmt_header_checks OBJECT ${sources})

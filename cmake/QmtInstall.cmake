@@ -4,6 +4,9 @@ include(CMakePackageConfigHelpers)
 
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/qmtutilu)
 install(TARGETS qmtgenu qmtutilu EXPORT qmtutiluTargets)
+if(QMT_RUNTIME_LIBRARIES)
+    install(FILES ${QMT_RUNTIME_LIBRARIES} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/qmt
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h")

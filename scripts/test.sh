@@ -74,6 +74,10 @@ test_windows() {
     "$root/scripts/summarise_tests.py" "$root/build/windows/test-results"
 }
 
+check_exchange() {
+    "$root/scripts/check_exchange.py" "$root/build/release" "$root/build/windows" "$root/build/exchange"
+}
+
 check_format() {
     cd "$root"
     find include src tests bench examples fuzz \( -name '*.h' -o -name '*.cpp' \) \
@@ -170,6 +174,7 @@ test_all() {
     test_preset clang-asan
     test_preset clang-tsan
     test_windows
+    stage "exchange" check_exchange
     stage "fuzz" "$root/scripts/fuzz.sh" 10
 }
 
