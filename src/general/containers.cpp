@@ -14,8 +14,6 @@ CritSection& SharedBlocksSection() {
 
 } // namespace
 
-template class VArray<String, String>;
-
 void BlockOnCritSection() noexcept QMT_NO_THREAD_SAFETY_ANALYSIS {
     SharedBlocksSection().Enter();
 }

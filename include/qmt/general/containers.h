@@ -251,8 +251,6 @@ private:
     std::size_t capacityIncrease = 80;
 };
 
-extern template class QMT_GENU_API VArray<String, String>;
-
 // An array of plain pointers, which it does not own; a handle to a shared block, see `detail::SharedBlock`
 // for what that means between threads. An index must be below `Size()`, for `Insert` at most `Size()`.
 //
