@@ -35,7 +35,8 @@ public:
     std::uint32_t RegOpenKeyExW(void* parent, CodeUnit const* subKey, std::uint32_t options,
                                 std::uint32_t access, void** key) override {
         HKEY opened = nullptr;
-        return HandOut(::RegOpenKeyExW(KeyOf(parent), subKey, options, access, &opened), opened, key);
+        LSTATUS const result = ::RegOpenKeyExW(KeyOf(parent), subKey, options, access, &opened);
+        return HandOut(result, opened, key);
     }
 
     std::uint32_t RegCreateKeyExW(void* parent, CodeUnit const* subKey, std::uint32_t reserved,
