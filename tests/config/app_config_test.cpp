@@ -24,7 +24,7 @@ struct AppConfigTest : testing::Test {
     }
 
     TempDirectory directory;
-    std::unique_ptr<Registry> inner = RegistryIn(directory);
+    TestRegistry inner = RegistryIn(directory);
     CountingRegistry registry{*inner};
     RegistryInUse inUse{registry};
     RegistryCalls calls{*inner};
@@ -54,7 +54,7 @@ TEST_F(AppConfigTest, ReadsStoreTheDefaultsTheyGave) {
     String const complaint = u"Couldn't open reg key: " + place;
     EXPECT_EQ(settings.GetString(u"S", u"e", u"early"), u"early"); // nothing is open yet
     EXPECT_EQ(TakeError(settings.WriteProfileStr(u"S", u"e", u"v")),
-              complaint + u": " + GetSystemErrMsge(EBADF));
+              complaint + u": " + GetSystemErrMsge(platform::noOpenKey));
     ASSERT_EQ(TakeError(settings.CheckExists(false)), u"");
     EXPECT_EQ(settings.GetReadOnlyString(u"S", u"e"), u"");
     EXPECT_EQ(Stored(u"M\\P\\S", u"e"), "no section");
@@ -76,16 +76,16 @@ TEST_F(AppConfigTest, ReadsStoreTheDefaultsTheyGave) {
 }
 
 TEST_F(AppConfigTest, WhoMayOnlyReadGetsWhatIsThere) {
-    registry.Before(RegistryCall::CreateKey, [] { return 13U; });
+    registry.Before(RegistryCall::CreateKey, [] { return platform::accessRefused; });
     AppConfig reading(u"M", u"P", u"", false);
     EXPECT_EQ(TakeError(reading.CheckExists(true)),
-              u"Couldn't open HKEY_CURRENT_USER\\Software\\M: " + GetSystemErrMsge(ENOENT));
+              u"Couldn't open HKEY_CURRENT_USER\\Software\\M: " + GetSystemErrMsge(platform::nothingThere));
     ASSERT_EQ((Results{calls.Create(user, u"Software\\M\\P\\S"), calls.Set(calls.key, u"e", {"v\0", 2})}),
               Results(2, 0));
     EXPECT_EQ(TakeError(reading.CheckExists(true)), u"");
     EXPECT_EQ(reading.GetReadOnlyString(u"S", u"e") + reading.GetString(u"S", u"e", u"default"), u"vdefault");
     EXPECT_EQ(TakeError(reading.WriteProfileStr(u"S", u"e", u"w")),
-              u"Couldn't open reg key: " + place + u": " + GetSystemErrMsge(EACCES));
+              u"Couldn't open reg key: " + place + u": " + GetSystemErrMsge(platform::accessRefused));
 }
 
 TEST_F(AppConfigTest, ListsDeletesAndCopies) {
@@ -94,7 +94,7 @@ TEST_F(AppConfigTest, ListsDeletesAndCopies) {
     EXPECT_NE(TakeError(settings.EnumSections(names)), u"");
     ASSERT_EQ(TakeError(settings.CheckExists(false)), u"");
     for (char16_t const* const section : {u"T", u"s", u"S"})
-        for (char16_t const* const entry : {u"b", u"A"})
+        for (char16_t const* const entry : {u"A", u"b"})
             ASSERT_EQ(TakeError(settings.WriteProfileStr(section, entry, String(section) + entry)), u"");
     EXPECT_EQ((Texts{TakeError(settings.EnumSections(names)), TakeError(settings.EnumEntries(u"T", names)),
                      TakeError(settings.EnumEntries(u"none", names))}),
@@ -105,9 +105,10 @@ TEST_F(AppConfigTest, ListsDeletesAndCopies) {
               u"Couldn't list the values of HKEY_CURRENT_USER\\Software\\M\\P\\T: " + GetSystemErrMsge(16));
     registry.Before(RegistryCall::OpenKey, {});
     for (String const& error :
-         {String(), u"Couldn't delete value " + place + u"\\A: " + GetSystemErrMsge(ENOENT)})
+         {String(), u"Couldn't delete value " + place + u"\\A: " + GetSystemErrMsge(platform::nothingThere)})
         EXPECT_EQ(TakeError(settings.DeleteEntry(u"S", u"A")), error);
-    for (String const& error : {String(), u"Couldn't delete key " + place + u": " + GetSystemErrMsge(ENOENT)})
+    for (String const& error :
+         {String(), u"Couldn't delete key " + place + u": " + GetSystemErrMsge(platform::nothingThere)})
         EXPECT_EQ(TakeError(settings.DeleteSection(u"S")), error);
     for (String const& entry : {String(u"two"), String(u"no/name"), Repeated(600, u'c')})
         ASSERT_EQ(TakeError(settings.WriteProfileStr(u"T", entry, u"a\nb")), u"");

@@ -16,10 +16,11 @@ struct RegistryTreeTest : testing::TestWithParam<bool> {
     void OpenTree() { ASSERT_EQ(TakeError(tree.EnsureExists(false)), u""); }
 
     TempDirectory directory;
-    std::unique_ptr<Registry> inner = GetParam() ? MakeMemoryRegistry() : RegistryIn(directory);
+    TestRegistry inner = GetParam() ? MakeMemoryRegistry() : RegistryIn(directory);
     CountingRegistry registry{*inner};
     RegistryInUse inUse{registry};
     RegistryCalls calls{*inner};
+    bool const isReal = systemHasRegistry && !GetParam();
     RealRegistryTree tree{user, u"R", u"A"};
 };
 
@@ -28,10 +29,11 @@ INSTANTIATE_TEST_SUITE_P(Implementations, RegistryTreeTest, testing::Bool());
 TEST_P(RegistryTreeTest, WalksOnceAndKeepsWhatIsOpen) {
     {
         RealRegistryTree deep(user, u"R", u"A\\B\\C");
-        EXPECT_EQ(TakeError(deep.CheckExists(false)), u"Couldn't open R\\A; " + GetSystemErrMsge(ENOENT));
+        EXPECT_EQ(TakeError(deep.CheckExists(false)),
+                  u"Couldn't open R\\A; " + GetSystemErrMsge(platform::nothingThere));
         ASSERT_EQ(calls.Create(user, u"A\\B"), 0U);
         EXPECT_EQ(TakeError(deep.CheckExists(true)),
-                  u"Couldn't open R\\A; \\B\\C" + GetSystemErrMsge(ENOENT));
+                  u"Couldn't open R\\A; \\B\\C" + GetSystemErrMsge(platform::nothingThere));
         ASSERT_EQ(calls.Create(user, u"A\\B\\C"), 0U);
         registry.Reset();
         EXPECT_EQ(TakeError(deep.CheckExists(true)), u"");
@@ -120,7 +122,7 @@ TEST_P(RegistryTreeTest, ListsAndDeletes) {
     };
     EXPECT_EQ(list(), Texts(2));
     names.Add(u"first");
-    for (char16_t const* const name : {u"b", u"C\\d", u"a"}) {
+    for (char16_t const* const name : {u"a", u"b", u"C\\d"}) {
         ASSERT_EQ(calls.Create(user, String(u"A\\") + name), 0U);
         ASSERT_EQ(TakeError(tree.WriteProfileStr(name, u"")), u"");
     }
@@ -130,6 +132,8 @@ TEST_P(RegistryTreeTest, ListsAndDeletes) {
                      TakeError(tree.DeleteSubKey(u"C")), TakeError(tree.DeleteValue(u"b")),
                      TakeError(tree.DeleteValue(u"b"))}),
               (Texts{u"Couldn't delete key C: ", u"", u"", u"", u"Did not succeed"}));
+    if (isReal)
+        return; // its names have at most 255 units
     for (std::size_t const units : {499U, 500U}) {
         ASSERT_EQ(calls.Create(user, u"A\\" + Repeated(units, u'b')), 0U);
         names.RemoveAll();
@@ -155,6 +159,8 @@ TEST_P(RegistryTreeTest, AnEmptyPathWorksOnTheRoot) {
 }
 
 TEST_P(RegistryTreeTest, ExportReplacesTheFile) {
+    if (isReal)
+        GTEST_SKIP() << "the system's registry saves its own form, for users with the right to make backups";
     OpenTree();
     String const file = directory.Path(u"saved.reg");
     auto const exportedSize = [&] {
@@ -166,7 +172,7 @@ TEST_P(RegistryTreeTest, ExportReplacesTheFile) {
     EXPECT_EQ(exportedSize(), before + 2 * std::string("'e'='v'\r\n").size());
     EXPECT_EQ(TakeError(tree.Import(file + u"x")), u"");
     EXPECT_EQ(TakeError(tree.Export(file + u"/x")),
-              u"Couldn't save to regfile " + file + u"/x; " + GetSystemErrMsge(ENOTDIR));
+              u"Couldn't save to regfile " + file + u"/x; " + GetSystemErrMsge(noSuchDirectory));
 }
 
 } // namespace

@@ -66,7 +66,7 @@ public:
     }
 
 private:
-    std::unique_ptr<Registry> registry;
+    TestRegistry registry;
     RegistryInUse inUse;
     std::optional<AppConfig> app;
     FileTreeConfig files;

@@ -2,14 +2,9 @@
 
 #include <climits>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
+#include "helpers/code_page_text.h"
 #include "helpers/system_clock.h"
 #include "qmt/platform/message_queue.h"
-#include "support/temp_directory.h"
-#include "support/text.h"
 
 namespace QMT {
 namespace {
@@ -17,10 +12,7 @@ namespace {
 using namespace std::string_literals;
 
 TEST(SystemErrors, AreCodeAndText) {
-    EXPECT_EQ(GetSystemErrMsge(2), u" Error code = 00000002. No such file or directory");
     EXPECT_EQ(GetSystemErrMsge(0xDEADBEEF), u" Error code = DEADBEEF. ");
-    errno = EACCES;
-    EXPECT_EQ(GetSystemErrMsge(), u" Error code = 0000000D. Permission denied");
 }
 
 std::vector<int> handled;
@@ -53,38 +45,6 @@ TEST(MessageQueue, HandlesWhatTheFilterLeavesInOrder) {
     EXPECT_FALSE(queue->Post({Handle}));
 }
 
-TEST(KernelObjects, AreOpenedToAllByTheirModeBits) {
-    TempDirectory const directory;
-    String const refused = u"Couldn't reset kernel object security to open access:" + GetSystemErrMsge(EBADF);
-    auto const open = [](std::intptr_t file) {
-        return TakeError(AllowAccessToKernelObject(reinterpret_cast<void*>(file)));
-    };
-    for (auto const& [before, after] :
-         {std::pair<mode_t, mode_t>{0600, 0666}, {0000, 0666}, {04700, 04777}}) {
-        std::filesystem::path const path = directory.Place() / std::to_string(before);
-        int const file = ::open(path.c_str(), O_RDONLY | O_CREAT, 0600);
-        ASSERT_EQ(::fchmod(file, before), 0);
-        EXPECT_EQ(open(file), u"");
-        EXPECT_EQ(static_cast<mode_t>(std::filesystem::status(path).permissions()), after);
-        EXPECT_EQ(::close(file), 0);
-        EXPECT_EQ(open(file), refused);
-    }
-    EXPECT_EQ(open(-1) + open(std::intptr_t{1} << 40), refused + refused);
-}
-
-// What a conversion gives, with the length it tells behind it.
-std::string Bytes(char16_t const* text, unsigned int codePage) {
-    unsigned int length = 77;
-    std::unique_ptr<char[]> const bytes(ConvertToMultibyte(text, codePage, &length));
-    return (bytes ? bytes.get() : "null"s) + std::to_string(length);
-}
-
-String Text(char const* bytes, unsigned int codePage) {
-    unsigned int length = 77;
-    std::unique_ptr<CodeUnit[]> const text(ConvertFromMultibyte(bytes, codePage, &length));
-    return (text ? String(text.get()) : String(u"null")) << length;
-}
-
 TEST(CodePages, KnowTheUsualOnes) {
     auto const check = [](unsigned int codePage, char16_t const* text, char const* bytes) {
         EXPECT_EQ(Bytes(text, codePage), bytes + std::to_string(std::string(bytes).size() + 1)) << codePage;
@@ -104,7 +64,8 @@ TEST(CodePages, KnowTheUsualOnes) {
     check(65001, longText.c_str(), Bytes(longText.c_str(), 65001).substr(0, 300'000).c_str());
     EXPECT_EQ(Bytes(u"text", 4711) + Bytes(nullptr, 65001), "null0null0");
     EXPECT_EQ(Text("text", 4711) + Text(nullptr, 65001), u"null0null0");
-    EXPECT_TRUE(!ConvertToMultibyte(u"a", 4711, nullptr) && !ConvertFromMultibyte(nullptr, 1252, nullptr));
+    EXPECT_TRUE(!ConvertToMultibyte(String(u"a"), 4711, nullptr) &&
+                !ConvertFromMultibyte(nullptr, 1252, nullptr));
 }
 
 TEST(CodePages, ReplaceWhatHasNoCounterpart) {
@@ -112,18 +73,7 @@ TEST(CodePages, ReplaceWhatHasNoCounterpart) {
     EXPECT_EQ(Bytes(u"\xDC00_\xD800_\xD800", 65001), "?_?_?6");
     EXPECT_EQ(Bytes(u"\u65E5\u00E4", 932), "\x93\xFA?4");
     EXPECT_EQ(Text("a\xFF\xC3(\xE2\x82", 65001), u"a\uFFFD\uFFFD(\uFFFD\uFFFD7");
-    EXPECT_EQ(Text("\x81 \x93", 932) + Text("a\x81", 1252), u"\uFFFD \uFFFD4a\uFFFD3");
-    EXPECT_EQ(Text("a\xD2", 1258), u"\u1EA32"); // a letter and its accent
-}
-
-TEST(CodePages, ZeroIsTheEncodingOfTheUsersLocale) {
-    for (auto const& [locale, bytes] :
-         {std::pair{"C.UTF-8", "\xC3\xA4\x33"}, {"C", "?2"}, {"there is none", "?2"}}) {
-        ::setenv("LC_ALL", locale, 1);
-        EXPECT_EQ(Bytes(u"\u00E4", 0), bytes);
-        EXPECT_EQ(GetOSCurrency(), u"EUR");
-    }
-    ::unsetenv("LC_ALL");
+    EXPECT_EQ(Text("\x81 \x93", 932), u"\uFFFD \uFFFD4");
 }
 
 TEST(MillisecondClock, LosesOneAtEachWrap) {
@@ -141,16 +91,6 @@ TEST(MillisecondClock, StartsOnceAndEndsSleeps) {
     EXPECT_TRUE(Interruptable_MS_Sleep(100'000, &calls, stopAtThird) && calls == 3);
     EXPECT_TRUE(StartMillisecsCount());
     EXPECT_GE(GetMillisecsCount(), 60U); // the first sleep has started it
-}
-
-TEST(User, HasTheNameOfTheProcess) {
-    std::unique_ptr<FILE, int (*)(FILE*)> const command(::popen("id -un", "r"), ::pclose);
-    char name[100] = "";
-    ASSERT_NE(::fgets(name, sizeof(name), command.get()), nullptr);
-    String const expected = DecodeFromUTF8(name, false).TrimAll();
-    EXPECT_EQ(GetFixedDeviceIdentifier(), expected);
-    WriteUserName(u"somebody else");
-    EXPECT_EQ(GetUserNameW() + GetFixedDeviceIdentifier(), expected + expected);
 }
 
 } // namespace

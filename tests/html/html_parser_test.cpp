@@ -207,7 +207,7 @@ TEST(HtmlPages, ComeOutAsApproved) {
         String const report = Report(FileText(approved));
         approved.replace_extension(".approved.txt");
         if (std::getenv("QMT_APPROVE")) {
-            FormatableTextFile file(DecodeFromUTF8(approved.c_str(), false), nullptr);
+            FormatableTextFile file(DecodeFromUTF8(approved.string().c_str(), false), nullptr);
             ASSERT_EQ(TakeError(file.Open(false)), u"");
             file << report;
             ASSERT_EQ(TakeError(file.FlushFile(true, BaseFile::BOM::NoMark)), u"");

@@ -1,6 +1,9 @@
 // Registries for tests, and short forms of the calls to them.
 #pragma once
 
+#include <set>
+
+#include "platform/registry_errors.h"
 #include "qmt/config/registry_tree.h"
 #include "qmt/platform/registry.h"
 #include "support/temp_directory.h"
@@ -11,10 +14,14 @@ namespace QMT {
 inline void* const user = HKEY_CURRENT_USER;
 inline void* const machine = HKEY_LOCAL_MACHINE;
 
-// A registry in the databases of a directory.
-inline std::unique_ptr<Registry> RegistryIn(TempDirectory const& directory) {
-    return MakeDatabaseRegistry(directory.Path(u"user.db"), directory.Path(u"machine.db"));
-}
+using TestRegistry = std::unique_ptr<Registry, std::function<void(Registry*)>>;
+
+// The kind of registry that the library uses by itself, with nothing in it: where the system has a registry,
+// keys in that, and one at a time; elsewhere databases in the directory, which stay in it.
+TestRegistry RegistryIn(TempDirectory const& directory);
+
+extern bool const systemHasRegistry;
+extern std::uint32_t const fileIsThere, noSuchDirectory; // numbers of the system
 
 // Puts a registry in place of the system's for as long as it lives.
 class RegistryInUse {
@@ -57,9 +64,10 @@ struct RegistryCalls {
         return result ? "error " + std::to_string(result) : bytes.substr(0, size);
     }
 
-    // The names of the sub keys or the values, with bars behind them, and the result that ended the list.
+    // The names of the sub keys or the values, sorted, with bars behind them, and the result that ended the
+    // list.
     String Names(void* holder, bool ofKeys, std::uint32_t room = 501) {
-        String names;
+        std::set<String> names;
         std::basic_string<CodeUnit> name(room, u'?');
         std::uint32_t result = 0;
         for (std::uint32_t index = 0; result == 0; ++index) {
@@ -69,9 +77,12 @@ struct RegistryCalls {
                             : registry.RegEnumValueW(holder, index, name.data(), &size, nullptr, &type,
                                                      nullptr, nullptr);
             if (result == 0)
-                names << String(name.substr(0, size)) << u"|";
+                names.emplace(name.substr(0, size));
         }
-        return names << result;
+        String list;
+        for (String const& found : names)
+            list << found << u"|";
+        return list << result;
     }
 
     std::uint32_t Delete(void* parent, String path) { return registry.RegDeleteKeyW(parent, path); }

@@ -1,0 +1,77 @@
+// The system's own registry, with keys of the test's own in place of its roots: Software\QmtUtiluTests below
+// the user's root, and in it one key a process, which the next test removes should the process have died.
+#include "support/registry_fixtures.h"
+
+#include <system_error>
+
+#include <windows.h>
+
+namespace QMT {
+
+bool const systemHasRegistry = true;
+std::uint32_t const fileIsThere = ERROR_FILE_EXISTS;
+std::uint32_t const noSuchDirectory = ERROR_PATH_NOT_FOUND;
+
+namespace {
+
+std::wstring const keyOfTests = L"Software\\QmtUtiluTests";
+
+HKEY Make(std::wstring const& path) {
+    HKEY key = nullptr;
+    LSTATUS const result = ::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                             nullptr, &key, nullptr);
+    if (result != ERROR_SUCCESS)
+        throw std::system_error(result, std::system_category(), "cannot make a key for the test");
+    return key;
+}
+
+void Remove(std::wstring const& path) {
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
+    ::RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
+}
+
+bool IsRunning(DWORD process) {
+    HANDLE const handle = ::OpenProcess(SYNCHRONIZE, FALSE, process);
+    bool const isRunning = handle && ::WaitForSingleObject(handle, 0) == WAIT_TIMEOUT;
+    ::CloseHandle(handle);
+    return isRunning;
+}
+
+void RemoveWhatTheDeadHaveLeft() {
+    HKEY const tests = Make(keyOfTests);
+    wchar_t name[20];
+    for (DWORD i = 0; ::RegEnumKeyW(tests, i, name, std::size(name)) == ERROR_SUCCESS; ++i)
+        if (!IsRunning(std::wcstoul(name, nullptr, 10)))
+            Remove(keyOfTests + L"\\" + name);
+    ::RegCloseKey(tests);
+}
+
+// Lets the root be the key, which is closed; null brings back the root.
+void Redirect(HKEY root, HKEY key) {
+    LSTATUS const result = ::RegOverridePredefKey(root, key);
+    ::RegCloseKey(key);
+    if (result != ERROR_SUCCESS)
+        throw std::system_error(result, std::system_category(), "cannot put a key in place of a root");
+}
+
+} // namespace
+
+TestRegistry RegistryIn(TempDirectory const&) {
+    RemoveWhatTheDeadHaveLeft();
+    std::wstring const path = keyOfTests + L"\\" + std::to_wstring(::GetCurrentProcessId());
+    HKEY const userKey = Make(path + L"\\user");
+    HKEY const machineKey = Make(path + L"\\machine");
+    for (wchar_t const* const root : {L"\\user", L"\\machine"})
+        ::RegCloseKey(Make(path + root + L"\\Software"));
+    Redirect(HKEY_LOCAL_MACHINE, machineKey);
+    Redirect(HKEY_CURRENT_USER, userKey);
+    auto const remove = [path](Registry*) {
+        for (HKEY const root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
+            ::RegOverridePredefKey(root, nullptr);
+        Remove(path);
+        ::RegDeleteKeyW(HKEY_CURRENT_USER, keyOfTests.c_str()); // unless other processes have keys in it
+    };
+    return {&GetRegistry(), remove};
+}
+
+} // namespace QMT
