@@ -193,7 +193,12 @@ String Report(String const& page) {
     parser.SubstituteNativeStrings(table, parseHead);
     wrapped.FormatForCharactersWidth(40);
     report << u"==== substituted\n" << parser.GetAlteredHtml();
-    return report << u"==== wrapped to 40\n" << wrapped.GetAlteredHtml();
+    report << u"==== wrapped to 40\n" << wrapped.GetAlteredHtml();
+    String withLineFeeds; // which the approved files have on every system
+    for (CodeUnit const unit : report.View())
+        if (unit != u'\r')
+            withLineFeeds << unit;
+    return withLineFeeds;
 }
 
 // scripts/approve.sh sets QMT_APPROVE, and the approved files are written anew.
