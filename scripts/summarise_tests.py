@@ -11,9 +11,10 @@ from pathlib import Path
 
 def backend_of(case):
     """Suite and backend, which is the parameter's name or else, where that is a number, the instance's; or None."""
-    instance, slash, suite = case.get("classname").partition("/")
+    instance, _, suite = case.get("classname").partition("/")
     parameter = case.get("name").rpartition("/")[2]
-    return (suite, instance if parameter.isdigit() else parameter) if slash else None
+    has_parameter = suite and not suite.isdigit()  # a number there counts types
+    return (suite, instance if parameter.isdigit() else parameter) if has_parameter else None
 
 
 def main(folder):

@@ -1,6 +1,5 @@
 #include "qmt/general/files.h"
 
-
 #include "support/memory_medium.h"
 #include "support/temp_directory.h"
 #include "support/text.h"
@@ -259,7 +258,7 @@ TEST(ParsableText, SplitsByItsFlags) {
                                         {u"f", u"\t", u""}};
     for (auto const& [flags, text, expected] : cases) {
         ParsableText parsable(text);
-        auto const has = [&](char16_t const* flag) { return String(flags).Find(flag) >= 0; };
+        auto const has = [given = String(flags)](char16_t const* flag) { return given.Find(flag) >= 0; };
         parsable.splitOnLineEnds = has(u"n"), parsable.splitOnFields = has(u"f");
         parsable.splitOnBackslash = has(u"b"), parsable.splitOnSlash = has(u"s");
         String elements, element(u"kept");
