@@ -13,7 +13,11 @@ from pathlib import Path
 WINE = Path(__file__).parent / "wine.sh"
 VALUES = [" plain ", "ä€😀", "lone \ud800 one", "\ufeffmark"]  # those of tests/exchange/main.cpp
 
-EXPECTED = "".join(f"{value}|{value}|" for value in VALUES) + "".join(f"2024/03/05 14:07:09 {value}|" for value in VALUES)
+EXPECTED = "".join(
+    [f"{value}|{value}|" for value in VALUES]
+    + [f"2024/03/05 14:07:09 {value}|" for value in VALUES]
+    + [f"({10 * number:08}) {value} {number}|" for number, value in enumerate(VALUES)]
+)
 
 
 def runners(here, windows):

@@ -33,7 +33,7 @@ TEST(SettingsExample, FillsTheStoreAndTellsABadSetting) {
         std::string const first = run(store + " " + place);
         EXPECT_EQ(first.find("0Hello "), 0U) << first;
         EXPECT_NE(first.find(stored + "30\n"), std::string::npos) << first;
-        std::string const report = QMT::ContentOf(place + "/report.txt");
+        std::string const report = QMT::ContentOf(place + "/report.txt", std::ios::in);
         EXPECT_EQ(report.find("(00000000) started, minutes in a slot 30\n("), 0U) << report;
         EXPECT_NE(report.find(") greeted\n("), std::string::npos) << report;
         std::string const bad = run(store + " " + place + " Time MinutesPerSlot 1441");

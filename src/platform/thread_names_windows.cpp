@@ -1,6 +1,5 @@
 #include "platform/thread_names.h"
 
-#define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
 namespace QMT::platform {

@@ -120,7 +120,8 @@ TEST_F(AppConfigTest, ListsDeletesAndCopies) {
     EXPECT_EQ((Texts{TakeError(back.CheckExists(false)), TakeError(CopySettings(files, back))}), Texts(2));
     EXPECT_EQ(Stored(u"M\\Q\\T", u"b") + Stored(u"M\\Q\\T", u"own") + Stored(u"M\\Q\\T", u"two"), "Tbstaysa");
     ASSERT_EQ(TakeError(files.WriteProfileStr(u"t", u"B", u"another")), u""); // the same for a registry
-    EXPECT_NE(TakeError(CopySettings(files, back)).Find(u"[T] entry : b"), -1);
+    bool const isSameFile = files.GetReadOnlyString(u"T", u"b") == u"another";
+    EXPECT_EQ(TakeError(CopySettings(files, back)).Find(u"[T] entry : b") == -1, isSameFile);
     registry.Before(RegistryCall::OpenKey, [] { return 16U; }); // which does not mean that it is missing
     EXPECT_NE(TakeError(settings.EnumEntries(u"T", names)), u"");
 }

@@ -70,7 +70,7 @@ struct RealTimeReportTest : testing::Test {
         return Content("report");
     }
 
-    std::string Content(char const* name) const { return ContentOf(directory.Place() / name); }
+    std::string Content(char const* name) const { return ContentOf(directory.Place() / name, std::ios::in); }
 
     TempDirectory directory;
 };
@@ -97,15 +97,14 @@ TEST_F(RealTimeReportTest, WritesOneLineForEachTrace) {
         return buffer;
     };
     constexpr float infinity = std::numeric_limits<float>::infinity();
-    std::u16string const longText(70, u'x');
     REALTIMETRACE(u"A", 5);
-    REALTIMETRACE(String(longText.c_str()), -7);
+    REALTIMETRACE(Repeated(70, u'x'), -7);
     REALTIMETRACE(u"none", NoTraceValue);
     REALTIMETRACE(String(u"null pointer"), nullptr, 0);
     REALTIMETRACE(nullptr, String(u"null"));
     REALTIMETRACE(reinterpret_cast<void*>(0x12345678ABCDEF), u"wide");
     REALTIMETRACE(reinterpret_cast<void*>(0x2A), u"");
-    REALTIMETRACE(String(std::u16string_view(u"\0b", 2)), 0);
+    REALTIMETRACE(Repeated(1, u'\0') + u"b", 0);
     REALTIMETRACE(u"B", bytes(char{0x12}, char{0x34}), 2);
     REALTIMETRACE(u"", bytes(char{5}, '\xFF'), 2);
     REALTIMETRACE_AUDIOSHORT(u"S", bytes(short{-2}, short{300}), 4);

@@ -9,7 +9,9 @@
 
 #include "qmt/config/file_tree_config.h"
 #include "qmt/diagnostics/error_log.h"
+#include "qmt/diagnostics/realtime_report.h"
 #include "qmt/general/files.h"
+#include "qmt/helpers/system.h"
 #include "qmt/html/native_strings.h"
 #include "qmt/time/utc_local_time.h"
 
@@ -53,14 +55,19 @@ void Write(Folder const& place) {
     FileTreeConfig settings(place.folder);
     SetErrLogPath(place.folder);
     PortableTime::InstallCurrentTimeModifier([]() -> PortableTime { return UTCTime(2024, 3, 5, 14, 7, 9); });
+    StartMillisecsCount();
+    RealTimeReport::TurnReportIngOn();
     String table;
     for (std::size_t i = 0; i < std::size(values); ++i) {
         Check(settings.WriteProfileStr(u"section", Name(i), values[i]));
         table << Name(i) << u'\t' << values[i] << newline;
         ErrorInfo* error = MakeError(values[i]);
         LogAndResetError(error);
+        REALTIMETRACE(values[i], static_cast<int>(i));
+        RealTimeReport::reportItems[i]->SetAddTime(static_cast<unsigned int>(10 * i));
     }
     WriteFile(place.Path(u"table.txt"), table);
+    RealTimeReport::WriteReport(place.Path(u"report.txt"));
 }
 
 String LinesOf(String path) {
@@ -81,7 +88,7 @@ String Read(Folder const& place) {
     String all;
     for (std::size_t i = 0; i < std::size(values); ++i)
         all << settings.GetString(u"section", Name(i), u"none") << u'|' << NATIVE(Name(i)) << u'|';
-    return all << LinesOf(place.Path(u"1.log"));
+    return all << LinesOf(place.Path(u"1.log")) << LinesOf(place.Path(u"report.txt"));
 }
 
 } // namespace
