@@ -14,14 +14,6 @@ namespace {
 
 constexpr unsigned int largestFactor = 15;
 
-// Outputs that fit no cache beside their source.
-constexpr std::uint64_t streamedByDefault = 32 << 20;
-
-// Rows are doubled in parts of this size where they do not go straight into the output: larger than what a
-// processor has in its store queue, since what is still there cannot be loaded in other pieces than it was
-// stored in.
-constexpr std::size_t streamedPixels = 1280;
-
 bool IsInTable(RGBConversionType conversion) {
     return conversion == RGBPlain || conversion == RGBToYUV || conversion == YUVToRGB;
 }
@@ -129,72 +121,6 @@ void DownsizePixels(Kernels const& kernels, BlockRows const& source, Output cons
     }
 }
 
-// Writes past the caches, in whole cache lines but for the first and the last: a line that is written in two
-// parts costs several times as much.
-class LineStream {
-public:
-    LineStream(Kernels const& inner, unsigned char* output) : kernels(inner), to(output) {}
-
-    // For 6 * streamedPixels bytes, which Append then takes.
-    unsigned char* Room() { return held + heldSize; }
-
-    void Append(std::size_t size) {
-        heldSize += size;
-        std::size_t const begun = (reinterpret_cast<std::uintptr_t>(to) + heldSize) % lineSize;
-        if (heldSize < begun)
-            return;
-        std::size_t const whole = heldSize - begun;
-        kernels.stream(held, whole, to);
-        std::memmove(held, held + whole, begun);
-        to += whole;
-        heldSize = begun;
-    }
-
-    void Finish() {
-        kernels.stream(held, heldSize, to);
-        kernels.finishStreams();
-    }
-
-private:
-    static constexpr std::size_t lineSize = 64;
-
-    Kernels const& kernels;
-    unsigned char* to;
-    std::size_t heldSize = 0;
-    alignas(lineSize) unsigned char held[6 * streamedPixels + lineSize];
-};
-
-// The rows of a packed picture, to be doubled.
-class RowDoubler {
-public:
-    RowDoubler(Kernels const& inner, unsigned char const* source, Extent whole, RGBConversionType wanted)
-        : kernels(inner), first(source), planeStep(Product(whole.width, whole.height)), conversion(wanted) {}
-
-    // Each of the pixels twice in a row.
-    void Double(std::size_t pixel, std::size_t count, unsigned char* to) const {
-        unsigned char const* const y = first + pixel;
-        if (conversion == RGBPlain)
-            kernels.doublePixels(first + 3 * pixel, count, to);
-        else
-            kernels.doubleYuv({y, y + planeStep, y + 2 * planeStep}, count, to);
-    }
-
-    // The same past the caches.
-    void Stream(std::size_t pixel, std::size_t count, LineStream& stream) const {
-        for (std::size_t done = 0; done < count; done += streamedPixels) {
-            std::size_t const part = std::min(streamedPixels, count - done);
-            Double(pixel + done, part, stream.Room());
-            stream.Append(6 * part);
-        }
-    }
-
-private:
-    Kernels const& kernels;
-    unsigned char const* first;
-    std::size_t planeStep;
-    RGBConversionType conversion;
-};
-
 } // namespace
 
 void Downsize(Kernels const& kernels, unsigned char const* source, unsigned int sourceWidth,
@@ -218,33 +144,26 @@ void Downsize(Kernels const& kernels, unsigned char const* source, unsigned int 
         DownsizePixels(kernels, rows, output, conversion == RGBToYUV);
 }
 
-void DoubleUp(Kernels const& kernels, std::uint64_t streamedSize, unsigned char const* source,
-              unsigned int sourceWidth, unsigned int sourceHeight, unsigned char* destination,
-              RGBConversionType conversion) {
-    if (!IsInTable(conversion))
+void DoubleUp(Kernels const& kernels, unsigned char const* source, unsigned int sourceWidth,
+              unsigned int sourceHeight, unsigned char* destination, RGBConversionType conversion) {
+    if (!IsInTable(conversion) || sourceWidth == 0)
         return;
     std::size_t const width = sourceWidth;
-    std::size_t const height = sourceHeight;
     std::size_t const rowLength = 6 * width;
-    RowDoubler const doubler(kernels, source, {width, height}, conversion);
-    if (conversion != RGBToYUV && 2 * rowLength * height >= streamedSize) {
-        LineStream stream(kernels, destination);
-        for (std::size_t row = 0; row < 2 * height; ++row)
-            doubler.Stream(row / 2 * width, width, stream);
-        stream.Finish();
-        return;
-    }
-    for (std::size_t row = 0; row < height; ++row) {
+    std::size_t const planeStep = Product(width, sourceHeight);
+    for (std::size_t row = 0; row < sourceHeight; ++row) {
+        unsigned char const* const y = source + row * width;
         unsigned char* const upper = destination + 2 * row * rowLength;
         unsigned char* const lower = upper + rowLength;
-        if (conversion != RGBToYUV)
-            doubler.Double(row * width, width, upper);
-        // The source row is half as long and in the nearest cache: without a conversion it is the faster
-        // copy.
-        if (conversion == RGBPlain)
-            doubler.Double(row * width, width, lower);
-        else
-            kernels.copy(upper, rowLength, lower);
+        if (conversion == RGBPlain) {
+            // Once more from the source, which is half as long as the output row, is faster than a copy.
+            kernels.doublePixels(source + 3 * row * width, width, upper);
+            kernels.doublePixels(source + 3 * row * width, width, lower);
+            continue;
+        }
+        if (conversion == YUVToRGB)
+            kernels.doubleYuv({y, y + planeStep, y + 2 * planeStep}, width, upper);
+        std::memcpy(lower, upper, rowLength);
     }
 }
 
@@ -260,8 +179,7 @@ void DownsizeRGB(unsigned char const* source, unsigned int sourceWidth, unsigned
 
 void DoubleUpRGB(unsigned char const* source, unsigned int sourceWidth, unsigned int sourceHeight,
                  unsigned char* destination, RGBConversionType conversion) {
-    scaling::DoubleUp(scaling::BestKernels(), scaling::streamedByDefault, source, sourceWidth, sourceHeight,
-                      destination, conversion);
+    scaling::DoubleUp(scaling::BestKernels(), source, sourceWidth, sourceHeight, destination, conversion);
 }
 
 } // namespace QMT

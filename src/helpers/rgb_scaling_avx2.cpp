@@ -2,7 +2,6 @@
 #if defined(__x86_64__)
 
 #include <cstddef>
-#include <cstdint>
 #include <immintrin.h>
 
 #include "helpers/rgb_scaling_x86.h"

@@ -42,10 +42,6 @@ struct Kernels {
     void (*convertToRgb)(ChannelRow const& from, std::size_t count, unsigned char* to); // interleaved
     void (*doublePixels)(unsigned char const* from, std::size_t count, unsigned char* to);
     void (*doubleYuv)(ChannelRow const& from, std::size_t count, unsigned char* to); // interleaved
-    void (*copy)(unsigned char const* from, std::size_t size, unsigned char* to);
-    // Copies past the caches, where the processor can. finishStreams orders the copies before later stores.
-    void (*stream)(unsigned char const* from, std::size_t size, unsigned char* to);
-    void (*finishStreams)();
 };
 
 // The slowest first.
@@ -57,14 +53,14 @@ QMT_UTILU_API Kernels const* FindKernels(Level level);
 // The fastest that this processor has.
 Kernels const& BestKernels();
 
-// DownsizeRGB and DoubleUpRGB with given kernels; the second streams outputs that have so many bytes or more.
+// DownsizeRGB and DoubleUpRGB with given kernels.
 QMT_UTILU_API void Downsize(Kernels const& kernels, unsigned char const* source, unsigned int sourceWidth,
                             unsigned int sourceHeight, unsigned int sourceBytesPerPixel, unsigned int factor,
                             unsigned char* destination, unsigned int destinationWidth,
                             unsigned int destinationHeight, RGBConversionType conversion,
                             std::uint64_t destinationRowLength);
-QMT_UTILU_API void DoubleUp(Kernels const& kernels, std::uint64_t streamedSize, unsigned char const* source,
-                            unsigned int sourceWidth, unsigned int sourceHeight, unsigned char* destination,
+QMT_UTILU_API void DoubleUp(Kernels const& kernels, unsigned char const* source, unsigned int sourceWidth,
+                            unsigned int sourceHeight, unsigned char* destination,
                             RGBConversionType conversion);
 
 } // namespace QMT::scaling

@@ -28,12 +28,6 @@ void AverageWholePlane(BlockRow const& block, unsigned char* averages) {
     AveragePlane(block, 0, averages);
 }
 
-void Copy(unsigned char const* from, std::size_t size, unsigned char* to) {
-    std::memcpy(to, from, size);
-}
-
-void DoNothing() {}
-
 } // namespace
 
 void AveragePixels(BlockRow const& block, std::size_t begin, unsigned char* packed) {
@@ -96,9 +90,6 @@ constexpr Kernels kernels{.name = "portable",
                           .convertToYuv = ConvertToYuv,
                           .convertToRgb = ConvertToRgb,
                           .doublePixels = DoublePixels,
-                          .doubleYuv = DoubleYuv,
-                          .copy = Copy,
-                          .stream = Copy,
-                          .finishStreams = DoNothing};
+                          .doubleYuv = DoubleYuv};
 
 } // namespace QMT::scaling::portable

@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "helpers/rgb_scaling_division.h"
 #include "helpers/rgb_scaling_portable.h"
@@ -593,33 +592,6 @@ QMT_TARGET void DoubleYuv(ChannelRow const& from, std::size_t count, unsigned ch
     }
 }
 
-// ---- copies
-
-QMT_TARGET void Copy(unsigned char const* from, std::size_t size, unsigned char* to) {
-    constexpr std::size_t step = 2 * sizeof(Vector);
-    std::size_t done = 0;
-    for (; size - done >= step; done += step) {
-        Vector const left = LoadWhole(from + done);
-        Vector const right = LoadWhole(from + done + sizeof(Vector));
-        StoreWhole(left, to + done);
-        StoreWhole(right, to + done + sizeof(Vector));
-    }
-    std::memcpy(to + done, from + done, size - done);
-}
-
-QMT_TARGET void Stream(unsigned char const* from, std::size_t size, unsigned char* to) {
-    constexpr std::size_t width = sizeof(Vector);
-    std::size_t done = std::min(size, (width - reinterpret_cast<std::uintptr_t>(to) % width) % width);
-    std::memcpy(to, from, done);
-    for (; size - done >= width; done += width)
-        QMT_BITS(stream)(reinterpret_cast<Vector*>(to + done), LoadWhole(from + done));
-    std::memcpy(to + done, from + done, size - done);
-}
-
-void FinishStreams() {
-    _mm_sfence();
-}
-
 } // namespace
 
 constexpr Kernels QMT_TABLE{.name = QMT_NAME,
@@ -629,10 +601,7 @@ constexpr Kernels QMT_TABLE{.name = QMT_NAME,
                             .convertToYuv = ConvertToYuv,
                             .convertToRgb = ConvertToRgb,
                             .doublePixels = DoublePixels,
-                            .doubleYuv = DoubleYuv,
-                            .copy = Copy,
-                            .stream = Stream,
-                            .finishStreams = FinishStreams};
+                            .doubleYuv = DoubleYuv};
 
 } // namespace QMT::scaling
 

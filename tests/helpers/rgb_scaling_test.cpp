@@ -142,21 +142,19 @@ TEST(RgbScalingTest, EveryDoubledByteIsAsReckoned) {
     std::mt19937 random = SeededGenerator();
     Bytes const content = RandomBytes(random, 1 << 15);
     for (unsigned int round = 0; round < 60; ++round) {
-        auto const width =
-            static_cast<unsigned int>(round < 4 ? 1300 + round : random() % 70); // or in two parts
-        auto const height = static_cast<unsigned int>(round < 4 ? 1 : random() % 4);
+        auto const width = static_cast<unsigned int>(random() % 70);
+        auto const height = static_cast<unsigned int>(random() % 4);
         RGBConversionType const conversion = round % 2 == 0 ? RGBPlain : YUVToRGB;
         Reference reference{content, Bytes(12 * width * height)};
         reference.DoubleUp(width, height, conversion);
-        for (Kernels const* const kernels : AllKernels())
-            for (std::uint64_t const streamedSize : {std::uint64_t{0}, ~std::uint64_t{0}}) {
-                auto const source = Exact(content, reference.sourceSize);
-                auto const output = Exact(content, round % 17 + reference.outputSize);
-                unsigned char* const first = output.get() + round % 17;
-                scaling::DoubleUp(*kernels, streamedSize, source.get(), width, height, first, conversion);
-                ASSERT_TRUE(std::equal(reference.output.begin(), reference.output.end(), first))
-                    << kernels->name << ' ' << width << " x " << height << ", conversion " << conversion;
-            }
+        for (Kernels const* const kernels : AllKernels()) {
+            auto const source = Exact(content, reference.sourceSize);
+            auto const output = Exact(content, round % 17 + reference.outputSize);
+            unsigned char* const first = output.get() + round % 17;
+            scaling::DoubleUp(*kernels, source.get(), width, height, first, conversion);
+            ASSERT_TRUE(std::equal(reference.output.begin(), reference.output.end(), first))
+                << kernels->name << ' ' << width << " x " << height << ", conversion " << conversion;
+        }
     }
 }
 

@@ -40,8 +40,7 @@ QMT_UTILU_API void DownsizeRGB(unsigned char const* source, unsigned int sourceW
 // holds 12 x width x height bytes. The two pictures must not overlap.
 //
 // RGBPlain and YUVToRGB only: with RGBToYUV each second output row becomes a copy of the row above it and
-// nothing else happens, with other values nothing at all. From any thread; allocates nothing. Large pictures
-// are written past the processor's caches.
+// nothing else happens, with other values nothing at all. From any thread; allocates nothing.
 QMT_UTILU_API void DoubleUpRGB(unsigned char const* source, unsigned int sourceWidth,
                                unsigned int sourceHeight, unsigned char* destination,
                                RGBConversionType conversion);
