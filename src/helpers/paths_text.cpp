@@ -68,9 +68,16 @@ Elements ElementsWithoutReversals(String path) {
     ParsableText rest(std::move(path));
     rest.splitOnBackslash = true;
     rest.splitOnSlash = true;
-    for (String element; rest.GetNextElem(&element, 0);)
-        if (!IsReversal(element) || !TurnBack(elements))
+    bool turned = false;
+    for (String element; rest.GetNextElem(&element, 0);) {
+        // All separators behind a ".." that turns back go with it: one that stayed could make a relative path
+        // begin at the root.
+        if (turned && element.IsEmpty())
+            continue;
+        turned = IsReversal(element) && TurnBack(elements);
+        if (!turned)
             elements.Add(element);
+    }
     DropEmptyTail(elements);
     return elements;
 }

@@ -30,7 +30,7 @@ TEST(Paths, GetTheSystemsSeparators) {
 TEST(Paths, TurnBackAtTwoPoints) {
     Expect(&WithoutReversals, uR"(_ _  a\b\..\c a\c  a/b/../c a\c  /a/b/../c /a\c  c:\a\..\b c:\b  a\b\ a\b
         a\.\b a\.\b  a\..\..\b ..\b  a\b\..\..\c c  a\.. _  ..\a ..\a  ..\..\a\.. ..\..  /..\a /..\a  \ \
-        a\..\..\..\b ..\..\b  a\\..\b b  a\\b\\ a\\b  \\server\..\b \\b  \\..\b \\..\b  ...\..a ...\..a)");
+        a\..\..\..\b ..\..\b  a\\..\\b b  a\\b\\ a\\b  \\server\..\b \\b  \\..\\b \\..\\b  \a\..\\b \b)");
     EXPECT_EQ(FilterPathReversals(u"a\\b/../c"), PathSeparatorIsBackslash() ? u"a\\c" : u"a/c");
     Expect(&DirectoryOf, uR"(c:\dir/x\exe c:\dir/x  exe exe  _ _)");
 }

@@ -34,7 +34,8 @@ QMT_UTILU_API String QuotedPath(String path);
 
 // The path with each ".." worked out against the element before it, whatever that is called. One without an
 // element before it stays in front, and so does one behind it. The elements are joined by the system's
-// separator; a separator at the start stays as it is, one at the end goes, and "." elements stay.
+// separator; a separator at the start stays as it is, one at the end goes, and "." elements stay. Of several
+// separators in a row all stay but those around what a ".." takes out, so no relative path becomes absolute.
 QMT_UTILU_API String FilterPathReversals(String path);
 
 // Lets the owner write to the file or directory at the path; on Windows takes off its other attributes, too.
@@ -46,7 +47,7 @@ QMT_UTILU_API bool EnsureWriteable(String path);
 // Each function works its result out at its first call and then gives the same for the life of the process,
 // whatever the argument is and whatever has changed. From any thread; of first calls that meet, one works it
 // out and the others wait. A later call neither waits nor enters the system. No result ends in a separator
-// but what the argument brings, and no directory is made.
+// but what the argument brings, or GetUserDataDir's without one, and no directory is made.
 
 // The directory of the running executable; empty when the system does not tell. An executable that has been
 // deleted or moved since leaves its former directory.
