@@ -38,6 +38,9 @@ TEST(ThumbnailTest, PicturesChangeSizeAndKeepTheirColours) {
         for (std::size_t i = 0; i < pixels.size(); ++i) // JPEG and YUV cost some steps
             EXPECT_NEAR(pixels[i], i % 3 == (i / 3 % width < width / 2 ? 0U : 2U) ? 255 : 0, 4) << job;
     }
+    EXPECT_EQ(Said(directory,
+                   "for bits in 8 16; do $run ${demo%red_blue}grey_$bits.png $bits --by 1; done; cmp 8 16"),
+              "status 0\n");
 }
 
 TEST(ThumbnailTest, FailuresAreToldAndLeaveTheOldPicture) {
@@ -50,8 +53,8 @@ TEST(ThumbnailTest, FailuresAreToldAndLeaveTheOldPicture) {
           "cut.png out|\"cut.png\": ", "cut.jpg out|\"cut.jpg\": ",
           "huge.jpg out|\"huge.jpg\": more than 100 million", "text out|\"text\" is no PNG",
           "$demo.png nowhere/out|can't write \"nowhere/out\": No such",
-          "$demo.png out --by 3|.png\" is too small", "a out --by 16|not: \"16\"",
-          "a out more|argument: \"more\"", "a out --wide|option: \"--wide\""}) {
+          "$demo.png .|can't write \".\": it is no regular file", "$demo.png out --by 3|.png\" is too small",
+          "a out --by 16|not: \"16\"", "a out more|argument: \"more\"", "a out --wide|option: \"--wide\""}) {
         std::string const said = Said(directory, "$run " + row.substr(0, row.find('|')));
         EXPECT_TRUE(said.find(row.substr(row.find('|') + 1)) != said.npos &&
                     said.find("status 0") == said.npos)

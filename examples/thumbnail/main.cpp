@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -72,6 +73,9 @@ int Run(std::vector<std::string> const& words) {
         Tell(fault.what());
         std::fprintf(stderr, "\n%s", UsageText());
         return BadCommandLine;
+    } catch (std::bad_alloc const&) {
+        Tell("not enough memory");
+        return Failed;
     } catch (std::exception const& fault) {
         Tell(fault.what());
         return Failed;

@@ -1,6 +1,7 @@
 #include "picture_files.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -20,6 +21,9 @@ namespace fs = std::filesystem;
 
 using Bytes = std::vector<unsigned char>;
 
+// Files of more bytes are not read: the largest picture has 800 million, uncompressed.
+constexpr std::uintmax_t mostBytes = 1'000'000'000;
+
 Bytes ContentOf(fs::path const& name) {
     std::error_code error;
     fs::file_status const status = fs::status(name, error);
@@ -27,6 +31,8 @@ Bytes ContentOf(fs::path const& name) {
         throw Failure("can't read " + Quoted(name) + ": " + error.message());
     if (!fs::is_regular_file(status))
         throw Failure("can't read " + Quoted(name) + ": it is no regular file");
+    if (fs::file_size(name, error) > mostBytes && !error)
+        throw Failure(Quoted(name) + ": more than 1000 million bytes");
     std::ifstream stream(name, std::ios::binary);
     Bytes content{std::istreambuf_iterator<char>(stream), {}};
     if (!stream.is_open() || stream.bad())
@@ -58,6 +64,7 @@ Picture ReadPng(fs::path const& name, Bytes const& content) {
     if (std::size_t{image.width} * image.height > mostPixels)
         throw Failure(Quoted(name) + ": more than 100 million pixels");
     image.format = PNG_FORMAT_BGR;
+    image.flags |= PNG_IMAGE_FLAG_16BIT_sRGB; // as those of 8 bits, where the file does not tell
     Picture picture(image.width, image.height);
     png_color const white{255, 255, 255};
     if (png_image_finish_read(&image, &white, picture.bytes.data(), 0, nullptr) == 0)
@@ -133,6 +140,9 @@ Picture ReadPicture(fs::path const& name) {
 }
 
 void WritePicture(fs::path const& name, Picture const& picture) {
+    std::error_code ignored;
+    if (fs::file_status const old = fs::status(name, ignored); fs::exists(old) && !fs::is_regular_file(old))
+        throw Failure("can't write " + Quoted(name) + ": it is no regular file");
     Bytes const content = PngOf(name, picture);
     PartFile const part(name);
     std::error_code error = part.Write(content);

@@ -39,7 +39,8 @@ constexpr std::size_t mostPixels = 100'000'000;
 Picture ReadPicture(std::filesystem::path const& name);
 
 // Makes the picture the whole content of a PNG file. It is written beside its final name, in
-// .thumbnail-<digits>.part, and renamed when it is complete. Throws Failure; the file is then what it was.
+// .thumbnail-<digits>.part, and renamed when it is complete. Throws Failure, also for a name that stands for
+// anything but a regular file, such as a device; the file is then what it was.
 void WritePicture(std::filesystem::path const& name, Picture const& picture);
 
 } // namespace Thumbnail
