@@ -24,13 +24,16 @@ struct EntryMemory::Chunk {
     std::atomic<std::uint32_t> pieces{filling}; // that are not given back
     std::uint32_t handedOut = 0;
     std::size_t used = sizeof(Chunk);
-    Chunk* next = nullptr; // of those that are kept
+    Chunk* next = nullptr; // of those in the pool
+
+    bool HasRoomFor(std::size_t size) const { return size <= chunkBytes - used; }
 
     void* Take(std::size_t size);
 };
 
 struct EntryMemory::Pool {
     CritSection section{"real-time report memory"};
+    Chunk* begun QMT_GUARDED_BY(section) = nullptr; // left with room by threads that have ended
     Chunk* kept QMT_GUARDED_BY(section) = nullptr;
     std::size_t count QMT_GUARDED_BY(section) = 0;
 };
@@ -40,13 +43,16 @@ EntryMemory::Pool& EntryMemory::ThePool() {
     return *pool;
 }
 
-// The chunk that this thread fills; given up when the thread ends, behind which it fills none.
+// The chunk that this thread fills. When the thread ends another one goes on with it: threads that come and
+// go to trace a little share chunks.
 class EntryMemory::ThreadsChunk {
 public:
     ~ThreadsChunk() {
-        Replace(nullptr);
+        HandOn();
         hasEnded = true;
     }
+
+    static void HandOn() noexcept;
 
     static void Replace(Chunk* chunk) noexcept {
         if (Chunk* const full = std::exchange(current, chunk))
@@ -61,10 +67,23 @@ public:
     "initial-exec")]] thread_local constinit EntryMemory::Chunk* EntryMemory::ThreadsChunk::current = nullptr;
 thread_local constinit bool EntryMemory::ThreadsChunk::hasEnded = false;
 
+void EntryMemory::ThreadsChunk::HandOn() noexcept {
+    if (current == nullptr) // there was no memory for a first one
+        return;
+    Pool& pool = ThePool();
+    CritSectionLock const lock(&pool.section);
+    current->next = std::exchange(pool.begun, current);
+    current = nullptr;
+}
+
 EntryMemory::Chunk* EntryMemory::NewChunk() {
     Pool& pool = ThePool();
     {
         CritSectionLock const lock(&pool.section);
+        if (Chunk* const chunk = pool.begun) {
+            pool.begun = chunk->next;
+            return chunk;
+        }
         if (Chunk* const chunk = pool.kept) {
             pool.kept = chunk->next;
             --pool.count;
@@ -99,16 +118,17 @@ void* EntryMemory::Chunk::Take(std::size_t size) {
 void* EntryMemory::Allocate(std::size_t bytes) {
     std::size_t const size = (bytes + alignof(void*) - 1) / alignof(void*) * alignof(void*);
     Chunk* const chunk = ThreadsChunk::current;
-    return chunk && size <= chunkBytes - chunk->used ? chunk->Take(size) : AllocateInNewChunk(size);
+    return chunk && chunk->HasRoomFor(size) ? chunk->Take(size) : AllocateInNewChunk(size);
 }
 
 void* EntryMemory::AllocateInNewChunk(std::size_t size) {
     thread_local ThreadsChunk endsWithThread;
-    Chunk* const chunk = NewChunk();
-    void* const piece = chunk->Take(size);
-    endsWithThread.Replace(chunk);
+    do
+        endsWithThread.Replace(NewChunk());
+    while (!ThreadsChunk::current->HasRoomFor(size));
+    void* const piece = ThreadsChunk::current->Take(size);
     if (ThreadsChunk::hasEnded)
-        endsWithThread.Replace(nullptr);
+        endsWithThread.HandOn();
     return piece; // NOLINT(clang-analyzer-cplusplus.NewDelete): the piece itself keeps the chunk
 }
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -217,6 +218,16 @@ TEST_F(RealTimeReportTest, RefusesWithoutWaitingForTheFile) {
     }));
     EXPECT_EQ(Written({1}), "b\n");
     EXPECT_EQ(Written({1, 2}), "a\na\n");
+}
+
+TEST_F(RealTimeReportTest, ThreadsThatComeAndGoShareMemory) {
+    std::set<std::uintptr_t> chunks;
+    for (std::size_t i = 0; i < 20; ++i) {
+        std::thread([] { REALTIMETRACE(u"once", 1); }).join();
+        chunks.insert(reinterpret_cast<std::uintptr_t>(Report::reportItems[i]) / 16384);
+    }
+    EXPECT_LE(chunks.size(), 2U);
+    EXPECT_NE(Written(std::vector<unsigned int>(20)), "");
 }
 
 TEST_F(RealTimeReportTest, ThreadsTraceWhileItIsWritten) {
