@@ -15,10 +15,15 @@ namespace {
 
 using Entries = SVArray<RealTimeReport*, RealTimeReport*>;
 
-NeverDestroyed<CritSection> reportSection("RealTimeReport :: reportSection");
-NeverDestroyed<Entries> entries;
-NeverDestroyed<ReportThreads> threads; // this and the clock under the section
-NeverDestroyed<StampClock> stampClock;
+struct GatheredReport {
+    CritSection section{"RealTimeReport :: reportSection"};
+    Entries entries; // this and the others under the section
+    ReportThreads threads;
+    StampClock clock;
+};
+
+// Made before the objects of a program that the library is linked into, which may trace.
+[[gnu::init_priority(1000)]] NeverDestroyed<GatheredReport> gathered;
 
 std::unique_ptr<ErrorInfo> NewError(String text) {
     return std::unique_ptr<ErrorInfo>(MakeError(std::move(text)));
@@ -29,7 +34,7 @@ std::unique_ptr<ErrorInfo> NewError(String text) {
 constinit ReportState reportState;
 
 constinit unsigned int RealTimeReport::firstAddTime = 0;
-Entries& RealTimeReport::reportItems = *entries;
+Entries& RealTimeReport::reportItems = gathered->entries;
 
 RealTimeReport::~RealTimeReport() = default;
 
@@ -48,14 +53,15 @@ std::uint64_t RealTimeReport::RefusedCount() {
 // A report that is being written holds the section for long, so nobody waits for it who is refused anyway.
 void RealTimeReport::AddReport(RealTimeReport* item) {
     std::unique_ptr<RealTimeReport> owned(item); // deleted behind the section
-    if (!reportState.IsGathering())
-        return reportState.Refuse();
-    CritSectionLock const lock(&*reportSection);
-    if (!reportState.IsGathering())
-        return reportState.Refuse();
-    item->addThread = threads->NumberOfThisThread();
-    item->addTime = stampClock->Milliseconds();
-    entries->Add(item);
+    if (reportState.Refuses())
+        return;
+    GatheredReport& report = *gathered;
+    CritSectionLock const lock(&report.section);
+    if (reportState.Refuses())
+        return;
+    item->addThread = report.threads.NumberOfThisThread();
+    item->addTime = report.clock.Milliseconds();
+    report.entries.Add(item);
     static_cast<void>(owned.release()); // the report's now
 }
 
@@ -70,16 +76,16 @@ ErrorInfo* RealTimeReport::WriteReportFiles(String reportPath, String eventsPath
 }
 
 std::unique_ptr<ErrorInfo> RealTimeReport::Write(ReportFiles& files) {
-    CritSectionLock const lock(&*reportSection);
+    CritSectionLock const lock(&gathered->section);
     if (!reportState.IsGathering())
         return NewError(u"The real-time report isn't turned on, or is written already");
     reportState.reportWritten = true;
-    if (reportItems.Size() == 0)
+    if (gathered->entries.Size() == 0)
         return NewError(u"The real-time report has no entries");
-    firstAddTime = reportItems[0]->addTime;
+    firstAddTime = gathered->entries[0]->addTime;
     if (std::unique_ptr<ErrorInfo> error = files.Open())
         return error;
-    files.WriteThreads(threads->Names());
+    files.WriteThreads(gathered->threads.Names());
     for (std::unique_ptr<RealTimeReport>& entry : TakeEntries()) {
         files.Write(*entry);
         entry.reset();
@@ -89,11 +95,11 @@ std::unique_ptr<ErrorInfo> RealTimeReport::Write(ReportFiles& files) {
 
 // Leaves the report empty, so that an entry which traces while it is written stands in the next one.
 std::vector<std::unique_ptr<RealTimeReport>> RealTimeReport::TakeEntries() {
-    std::vector<std::unique_ptr<RealTimeReport>> taken(reportItems.Size());
+    std::vector<std::unique_ptr<RealTimeReport>> taken(gathered->entries.Size());
     for (std::size_t i = 0; i < taken.size(); ++i)
-        taken[i].reset(reportItems[i]);
-    reportItems.RemoveAll();
-    threads->Clear();
+        taken[i].reset(gathered->entries[i]);
+    gathered->entries.RemoveAll();
+    gathered->threads.Clear();
     return taken;
 }
 

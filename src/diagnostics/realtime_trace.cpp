@@ -71,16 +71,8 @@ private:
 
 namespace {
 
-// True, and counted, when an entry would be refused anyway.
-bool IsRefused() {
-    bool const refused = !reportState.IsGathering();
-    if (refused)
-        reportState.Refuse();
-    return refused;
-}
-
 void AddTrace(String text, int value, void* pointer) {
-    if (IsRefused())
+    if (reportState.Refuses())
         return;
     std::size_t const size = text.Len() + 1;
     if (size <= ShortTrace::mostUnits && text.View().find(CodeUnit{}) == text.View().npos)
@@ -96,7 +88,7 @@ void AddTrace(String text, int value, void* pointer) {
 void RealTimeTrace::AddLiteral(CodeUnit const* text, std::size_t size, int value) {
     if (size > ShortTrace::mostUnits)
         AddTrace(text, value, nullptr);
-    else if (!IsRefused())
+    else if (!reportState.Refuses())
         RealTimeReport::AddReport(ShortTrace::Make(text, size, value, nullptr));
 }
 

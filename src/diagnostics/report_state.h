@@ -13,7 +13,13 @@ struct ReportState {
 
     bool IsGathering() const { return reportingOn && !reportWritten; }
 
-    void Refuse() { refused.fetch_add(1, std::memory_order_relaxed); }
+    // True, and counted, when an entry is refused.
+    bool Refuses() {
+        if (IsGathering())
+            return false;
+        refused.fetch_add(1, std::memory_order_relaxed);
+        return true;
+    }
 };
 
 extern ReportState reportState;

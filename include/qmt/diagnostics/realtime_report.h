@@ -78,7 +78,8 @@ public:
 
     // Takes over `item`, which is not null, stamps it with the clock's reading and appends it; or deletes it,
     // when the report lets nothing in. Refusing takes no lock. Keeping waits for other threads' stamp and
-    // append, or until a report is written and the entry refused; it allocates when the report must grow.
+    // append, or until a report is written and the entry refused. It allocates when the report must grow, and
+    // for a thread's first entry, whose name it asks the system for.
     static void AddReport(RealTimeReport* item);
 
     // Writes the entries to the file `path`, one line each, deletes them, and refuses others from then on.
