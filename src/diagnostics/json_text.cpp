@@ -4,6 +4,8 @@ namespace QMT {
 
 namespace {
 
+constexpr CodeUnit replacement = 0xFFFD;
+
 bool IsLeading(CodeUnit unit) {
     return (unit & 0xFC00) == 0xD800;
 }
@@ -23,8 +25,8 @@ bool IsHalf(String const& text, std::size_t index) {
 void AppendJsonText(String& json, String const& text) {
     json << u"\"";
     for (std::size_t i = 0; i < text.Len(); ++i) {
-        CodeUnit const unit = text[i];
-        if (unit < 0x20 || IsHalf(text, i)) {
+        CodeUnit const unit = IsHalf(text, i) ? replacement : text[i];
+        if (unit < 0x20) {
             json << u"\\u" << leadzero << hex(4) << static_cast<unsigned int>(unit);
             continue;
         }

@@ -5,8 +5,8 @@
 
 namespace QMT {
 
-// Appends the text in quotation marks. What JSON does not take as it is, and surrogates without their other
-// half, which no UTF-8 can hold, goes out by number.
+// Appends the text in quotation marks. Control characters go out by number. Surrogates without their other
+// half become U+FFFD: no UTF-8 can hold them, and most readers refuse a whole file for their number.
 void AppendJsonText(String& json, String const& text);
 
 } // namespace QMT

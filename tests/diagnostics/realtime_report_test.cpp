@@ -186,9 +186,11 @@ TEST_F(RealTimeReportTest, WritesEventsForAViewer) {
 {"name":"thread_name","ph":"M","pid":1,"tid":1,"args":{"name":"tra\"cer"}},
 {"name":"thread_name","ph":"M","pid":1,"tid":2,"args":{"name":"tra\"cer"}},
 {"name":"\"quoted\\\" )"
-              "\xC3\xA4\\u0009\xF0\x9F\x98\x80"
-              R"( \uD83D_\uDE00","ph":"i","s":"t","pid":1,"tid":1,"ts":0,"args":{"value":-5}},
-{"name":"\uDC00\uD800","ph":"i","s":"t","pid":1,"tid":2,"ts":5000000000,"args":{"pointer":"AB"}},
+              "\xC3\xA4\\u0009\xF0\x9F\x98\x80 \uFFFD_\uFFFD"
+              R"(","ph":"i","s":"t","pid":1,"tid":1,"ts":0,"args":{"value":-5}},
+{"name":")"
+              "\uFFFD\uFFFD"
+              R"(","ph":"i","s":"t","pid":1,"tid":2,"ts":5000000000,"args":{"pointer":"AB"}},
 {"name":"none","ph":"i","s":"t","pid":1,"tid":2,"ts":10000000000},
 {"name":"a","ph":"i","s":"t","pid":1,"tid":2,"ts":15000000000}
 ]}
