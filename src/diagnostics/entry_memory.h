@@ -9,7 +9,8 @@ namespace QMT {
 
 // Hands out pieces of chunks: each thread fills a chunk of its own, and the one who gives the last piece
 // back gives the chunk back, of which some stay for those who need one next. So a piece costs no call of the
-// heap, and threads that trace at the same time share no cache line. From any thread, also while it or the process ends.
+// heap, and threads that trace at the same time share no cache line. From any thread, also while it or the
+// process ends.
 class EntryMemory {
 public:
     // At most some hundred bytes; aligned for pointers. Allocates, and takes a lock, when the thread's chunk

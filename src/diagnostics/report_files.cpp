@@ -54,10 +54,14 @@ ReportFiles::ReportFiles(String const& reportPath)
 ReportFiles::ReportFiles(String const& reportPath, String const& eventsPath)
     : hasReport(!reportPath.IsEmpty()),
       hasEvents(!eventsPath.IsEmpty()),
+      sharedPath(reportPath == eventsPath ? reportPath : String()),
       report(reportPath, nullptr),
       events(eventsPath, nullptr) {}
 
 std::unique_ptr<ErrorInfo> ReportFiles::Open() {
+    if (!sharedPath.IsEmpty())
+        return std::unique_ptr<ErrorInfo>(
+            MakeError(u"The real-time report and its events cannot both go to ", sharedPath));
     std::unique_ptr<ErrorInfo> error(hasReport ? report.Open(false) : nullptr);
     if (!error && hasEvents)
         error.reset(events.Open(false));

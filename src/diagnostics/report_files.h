@@ -16,7 +16,7 @@ public:
     // Both forms; one whose path is empty is left out.
     ReportFiles(String const& reportPath, String const& eventsPath);
 
-    // Null when both files are open.
+    // Null when both files are open. Opens none when the paths are equal.
     std::unique_ptr<ErrorInfo> Open();
 
     // Puts the threads' names in front of the events; number 1 stands first.
@@ -33,6 +33,7 @@ private:
 
     bool hasReport;
     bool hasEvents;
+    String sharedPath; // empty when there are two
     FormatableTextFile report;
     FormatableTextFile events;
     bool isFirst = true;

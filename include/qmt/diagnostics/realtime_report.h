@@ -91,7 +91,8 @@ public:
     // The same with two forms from the same entries: lines of text in `reportPath`, events for a trace viewer
     // in `eventsPath`; an empty path leaves a form out. Null when the files are complete. Otherwise the
     // error, which the caller owns, tells what went wrong; that there was nothing to write counts as that.
-    // When one file cannot be opened, the entries stay, and the other file may be left empty.
+    // When one file cannot be opened, the entries stay, and the other file may be left empty. Equal paths
+    // count as that, and leave the file alone.
     static ErrorInfo* WriteReportFiles(String reportPath, String eventsPath);
 
     // How many entries were refused since the report was turned on, or ever while it never was.
