@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "qmt/general/threads.h"
+#include "qmt/chain/thread_pool.h"
 #include "qmt/helpers/system.h"
 #include "support/file_content.h"
 #include "support/temp_directory.h"
@@ -153,47 +153,31 @@ TEST_F(RealTimeReportTest, KeepsEntriesWhenAFileCannotBeOpened) {
     EXPECT_EQ(Written({10, 25}), "(00000000) first 1\n(00000015) second 2\n");
 }
 
-// A thread with a name.
-class Tracer : public Thread {
-public:
-    explicit Tracer(void (*whatItDoes)()) : Thread("tra\"cer", &ended, true), work(whatItDoes) {
-        TakeError(StartRunning());
-        while (!EventSignalled(ended))
-            std::this_thread::yield();
-    }
-
-private:
-    ErrorInfo* RunCycle(bool& finished) override {
-        finished = true;
-        work();
-        return nullptr;
-    }
-
-    void (*work)();
-    Event ended{true};
-};
+// On a thread with a name, whose end it waits for.
+void RunOnThread(void (*work)(void*, Event*)) {
+    ThreadPool pool("tra\"cer", 1);
+    EXPECT_EQ(TakeError(pool.RunTask(u"", work, nullptr, nullptr)), u"");
+}
 
 TEST_F(RealTimeReportTest, WritesEventsForAViewer) {
-    Tracer([] { REALTIMETRACE(u"\"quoted\\\" \x00E4\t\xD83D\xDE00 \xD83D_\xDE00", -5); });
-    Tracer([] {
-        REALTIMETRACE(reinterpret_cast<void*>(0xAB), u"\xDC00\xD800");
+    RunOnThread(
+        [](void*, Event*) { REALTIMETRACE(u"\xDE00\"quoted\\\" \x00E4\t\xD83D\xDE00\xD83D_\xD83D", -5); });
+    RunOnThread([](void*, Event*) {
+        REALTIMETRACE(reinterpret_cast<void*>(0xAB), u"object");
         REALTIMETRACE(u"none", NoTraceValue);
         AddEntries(1);
     });
     for (std::size_t i = 0; i < 4; ++i)
         Report::reportItems[i]->SetAddTime(static_cast<unsigned int>(4294967295 + 5'000'000 * i));
-    String const report = directory.Path(u"report");
-    EXPECT_EQ(TakeError(Report::WriteReportFiles(report, directory.Path(u"events"))), u"");
+    EXPECT_EQ(TakeError(Report::WriteReportFiles(directory.Path(u"report"), directory.Path(u"events"))), u"");
     EXPECT_EQ(Content("events"),
               R"({"displayTimeUnit":"ms","traceEvents":[
 {"name":"thread_name","ph":"M","pid":1,"tid":1,"args":{"name":"tra\"cer"}},
 {"name":"thread_name","ph":"M","pid":1,"tid":2,"args":{"name":"tra\"cer"}},
-{"name":"\"quoted\\\" )"
-              "\xC3\xA4\\u0009\xF0\x9F\x98\x80 \uFFFD_\uFFFD"
-              R"(","ph":"i","s":"t","pid":1,"tid":1,"ts":0,"args":{"value":-5}},
 {"name":")"
-              "\uFFFD\uFFFD"
-              R"(","ph":"i","s":"t","pid":1,"tid":2,"ts":5000000000,"args":{"pointer":"AB"}},
+              "\uFFFD\\\"quoted\\\\\\\" \xC3\xA4\\u0009\xF0\x9F\x98\x80\uFFFD_\uFFFD"
+              R"(","ph":"i","s":"t","pid":1,"tid":1,"ts":0,"args":{"value":-5}},
+{"name":"object","ph":"i","s":"t","pid":1,"tid":2,"ts":5000000000,"args":{"pointer":"AB"}},
 {"name":"none","ph":"i","s":"t","pid":1,"tid":2,"ts":10000000000},
 {"name":"a","ph":"i","s":"t","pid":1,"tid":2,"ts":15000000000}
 ]}

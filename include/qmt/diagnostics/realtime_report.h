@@ -62,7 +62,8 @@ public:
     virtual ~RealTimeReport();
 
     // Appends the entry's line, line break included, to the text of the file. Called once, by the thread that
-    // writes the report, which holds the report's section.
+    // writes the report, which holds the report's section; it writes no report itself. What it throws comes
+    // out of the call that writes the report, which is lost then.
     virtual void WriteItem(FormatableTextFile& file) = 0;
 
     // Changes what a viewer shows of the entry. The name is the entry's line, without its line break, until
