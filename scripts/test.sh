@@ -115,10 +115,14 @@ run_examples() {
     local examples=$root/build/release/examples work=$root/build/examples
     mkdir -p "$work"
     "$root/scripts/make_tone.py" "$work/tone.wav"
-    "$examples/audio_chain" "$work/tone.wav" "$work/processed.wav"
+    "$examples/audio_chain" --trace "$work/trace" "$work/tone.wav" "$work/processed.wav"
+    python3 -m json.tool "$work/trace.json" >/dev/null
     "$examples/readme_example"
     "$examples/settings" registry "$work"
     TZ=America/St_Johns "$examples/day_slots"
+    "$examples/page_translator" --list "$root/examples/page_translator/setup.html" "$work/texts.po"
+    "$examples/page_translator" --width 44 "$root/examples/page_translator/setup.html" \
+        "$root/examples/page_translator/setup.de.po" "$work/page.html"
     "$examples/thumbnail" "$root/docs/images/page_before.png" "$work/thumbnail.png" --by 3
 }
 
