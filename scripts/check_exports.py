@@ -21,8 +21,16 @@ PRIVATE = re.compile(r"\bQMT::(platform|detail|scaling)::")
 PRIVATE_AND_EXPORTED = {
     "QMT::platform::CurrentWaitBackend()",
     "QMT::platform::ForceWaitBackend(QMT::platform::WaitBackend)",
-    "QMT::scaling::DoubleUp(QMT::scaling::Kernels const&, unsigned long, unsigned char const*, unsigned int, "
-    "unsigned int, unsigned char*, QMT::RGBConversionType)",
+    "QMT::platform::accessRefused",
+    "QMT::platform::badArgument",
+    "QMT::platform::hasSubKeys",
+    "QMT::platform::keyIsGone",
+    "QMT::platform::noNameInText",
+    "QMT::platform::noOpenKey",
+    "QMT::platform::nothingThere",
+    "QMT::platform::tooMuchData",
+    "QMT::scaling::DoubleUp(QMT::scaling::Kernels const&, unsigned char const*, unsigned int, unsigned int, "
+    "unsigned char*, QMT::RGBConversionType)",
     "QMT::scaling::Downsize(QMT::scaling::Kernels const&, unsigned char const*, unsigned int, unsigned int, "
     "unsigned int, unsigned int, unsigned char*, unsigned int, unsigned int, QMT::RGBConversionType, unsigned long)",
     "QMT::scaling::FindKernels(QMT::scaling::Level)",
