@@ -1,10 +1,11 @@
 // How many blocks a second pass through a chain, beside oneTBB's pipeline with the same work and the same
-// number of blocks in flight.
+// number of blocks in flight, and beside the work alone.
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "sample_block.h"
 #include "sample_chain.h"
@@ -66,6 +67,41 @@ void Tbb(benchmark::State& state) {
     Run(state, pipeline);
 }
 
+// The work alone, on one thread, with as many blocks at each place as a chain's ring has.
+class BareRow {
+public:
+    BareRow(int stageCount, std::size_t inFlight)
+        : places(static_cast<std::size_t>(stageCount) + 1, std::vector<SampleBlock>(inFlight + 1)) {}
+
+    void Pass(std::uint64_t count) {
+        for (std::uint64_t const end = passed + count; passed < end; ++passed)
+            PassOne(passed % places.front().size());
+    }
+
+    bool Faultless() const { return faultless; }
+
+private:
+    void PassOne(std::size_t block) {
+        bench::WriteSamples(places.front()[block], passed);
+        for (std::size_t place = 1; place < places.size(); ++place) {
+            work(places[place - 1][block], places[place][block]);
+            benchmark::ClobberMemory();
+        }
+        faultless = faultless &&
+                    bench::HoldsSamples(places.back()[block], passed, static_cast<int>(places.size()) - 1);
+    }
+
+    bench::MultiplyAdd work;
+    std::vector<std::vector<SampleBlock>> places;
+    std::uint64_t passed = 0;
+    bool faultless = true;
+};
+
+void Bare(benchmark::State& state) {
+    BareRow row(Stages(state), InFlight(state));
+    Run(state, row);
+}
+
 void Shapes(benchmark::internal::Benchmark* one) {
     one->ArgNames({"stages", "inFlight"})->ArgsProduct({{1, 2, 4, 8}, {32, 256}})->UseRealTime();
 }
@@ -75,3 +111,4 @@ void Shapes(benchmark::internal::Benchmark* one) {
 BENCHMARK(Coupled)->Name("Chain/Coupled")->Apply(Shapes);
 BENCHMARK(Threaded)->Name("Chain/Threaded")->Apply(Shapes);
 BENCHMARK(Tbb)->Name("Chain/Tbb")->Apply(Shapes);
+BENCHMARK(Bare)->Name("Chain/Bare")->Apply(Shapes);
