@@ -67,11 +67,7 @@ SystemError DatabaseStore::MakeReady(bool forWriting) {
     if (error || !forWriting) {
         return error;
     }
-    if (database.IsReadOnly()) {
-        return accessRefused;
-    }
-    // What is written would be lost, and the numbers of open keys mean nothing in another file.
-    return database.HasMoved() ? SystemError{ESTALE} : 0;
+    return database.IsReadOnly() ? accessRefused : 0;
 }
 
 SystemError DatabaseStore::Connect(bool forWriting) {
@@ -147,10 +143,15 @@ SystemError DatabaseStore::Begin(Span span) {
     if (!database.IsOpen()) {
         return nothingThere;
     }
+    bool const isReading = span == Span::OneRead || span == Span::SeveralReads;
+    // What is written would be lost, and the numbers of open keys mean nothing in another file.
+    if (!isReading && database.HasMoved()) {
+        return ESTALE;
+    }
     if (span == Span::OneRead || span == Span::OneWrite) { // a statement is a transaction by itself
         return 0;
     }
-    SystemError const error = Query(Prepared(span == Span::SeveralReads ? BeginReads : BeginWrites)).Run();
+    SystemError const error = Query(Prepared(isReading ? BeginReads : BeginWrites)).Run();
     isInSpan = error == 0;
     return error;
 }
