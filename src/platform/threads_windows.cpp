@@ -6,10 +6,8 @@
 #include <cxxabi.h>
 #endif
 
+#include "platform/kernel_functions_windows.h"
 #include "platform/wide_text_windows.h"
-
-// The compiler's headers may be older than the function.
-extern "C" WINBASEAPI HRESULT WINAPI SetThreadDescription(HANDLE thread, PCWSTR description);
 
 namespace QMT::platform {
 
@@ -25,8 +23,10 @@ namespace {
 #endif
 
 void NameCurrentThread(char const* name) {
-    if (name)
-        SetThreadDescription(GetCurrentThread(), ToWide(name).c_str());
+    static auto* const setDescription =
+        FindKernelFunction<HRESULT WINAPI(HANDLE, PCWSTR)>("SetThreadDescription");
+    if (name && setDescription)
+        setDescription(GetCurrentThread(), ToWide(name).c_str());
 }
 
 SystemError ThreadStartError(std::error_code const&) {
