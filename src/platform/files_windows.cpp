@@ -181,7 +181,8 @@ SystemError MakeDirectory(TextView path) {
     SystemError const error = AtPath(path, [](std::wstring const& systemPath) {
         return ResultOf(CreateDirectoryW(systemPath.c_str(), nullptr));
     });
-    return error == ERROR_ALREADY_EXISTS && CheckDirectory(path) == 0 ? 0 : error;
+    // A drive's root is refused as if it were not there to be used, and so may be one in a protected place.
+    return error && CheckDirectory(path) == 0 ? 0 : error;
 }
 
 SystemError CheckDirectory(TextView path) {
@@ -196,10 +197,8 @@ SystemError CheckDirectory(TextView path) {
 SystemError ListDirectory(TextView path, std::vector<DirectoryEntry>& entries) {
     if (SystemError const error = CheckDirectory(path))
         return error;
-    std::basic_string<CodeUnit> pattern(path);
-    if (pattern.back() != L'\\' && pattern.back() != L'/')
-        pattern += dirSeparator;
-    return AtPath(pattern + L'*', [&](std::wstring const& all) { return ListFitting(all, entries); });
+    auto const pattern = ToSearchPattern(path);
+    return pattern ? ListFitting(*pattern, entries) : badPath;
 }
 
 } // namespace QMT::platform

@@ -11,4 +11,8 @@ namespace QMT::platform {
 // Empty for one that no file can have: an empty one, or one that holds a zero.
 std::optional<std::wstring> ToSystemPath(std::wstring_view path);
 
+// What finds all that the directory holds. It goes by the complete path: behind "c:" or "name " a backslash
+// would lead elsewhere. Empty as above.
+std::optional<std::wstring> ToSearchPattern(std::wstring_view directory);
+
 } // namespace QMT::platform
