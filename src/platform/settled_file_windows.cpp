@@ -19,8 +19,7 @@ public:
             handle = CreateFileW(systemPath->c_str(), GENERIC_READ,
                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-        } else {
-            SetLastError(ERROR_INVALID_NAME);
+            error = IsOpen() ? 0 : GetLastError();
         }
     }
 
@@ -33,6 +32,9 @@ public:
         }
     }
 
+    // Why it is not open; 0 when it is.
+    SystemError OpenError() const { return error; }
+
     bool IsOpen() const { return handle != INVALID_HANDLE_VALUE; }
 
     // From the file's start; 0 for success.
@@ -41,8 +43,9 @@ public:
         DWORD got = 0;
         bool const done = ReadFile(handle, head.data(), static_cast<DWORD>(head.size()), &got, &start) != 0;
         count = got;
-        SystemError const error = done ? 0 : GetLastError();
-        return error == ERROR_HANDLE_EOF ? 0 : error; // which a read at an offset gives for an empty file
+        SystemError const readError = done ? 0 : GetLastError();
+        return readError == ERROR_HANDLE_EOF ? 0
+                                             : readError; // which a read at an offset gives for an empty file
     }
 
     // File systems tell a file's size under the lock that a write holds from its start to its end.
@@ -53,6 +56,7 @@ public:
 
 private:
     HANDLE handle = INVALID_HANDLE_VALUE;
+    SystemError error = ERROR_INVALID_NAME;
 };
 
 } // namespace
@@ -60,8 +64,8 @@ private:
 SystemError ReadHeadTwice(std::basic_string_view<CodeUnit> path, std::span<char, settledHeadSize> head,
                           std::size_t& count, bool& agree) {
     OpenedFile const file(path);
-    if (!file.IsOpen()) {
-        return GetLastError();
+    if (SystemError const error = file.OpenError()) {
+        return error;
     }
     if (SystemError const error = file.Read(head, count)) {
         return error;
