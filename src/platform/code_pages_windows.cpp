@@ -79,8 +79,12 @@ bool FromCodePage(unsigned int codePage, std::string_view bytes, std::basic_stri
         return false;
     text.clear();
     bool const isDone = bytes.empty() || Decode(codePage, MB_ERR_INVALID_CHARS, bytes, text);
-    if (isDone || ::GetLastError() == ERROR_INVALID_FLAGS)
-        return isDone || Decode(codePage, 0, bytes, text);
+    if (isDone)
+        return true;
+    if (::GetLastError() == ERROR_INVALID_FLAGS) {
+        Decode(codePage, 0, bytes, text); // nothing at all for bytes that only switch between alphabets
+        return true;
+    }
     while (!bytes.empty())
         bytes.remove_prefix(DecodeFirst(codePage, bytes, text));
     return true;
