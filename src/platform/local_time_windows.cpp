@@ -47,13 +47,25 @@ YearRule ToRule(TIME_ZONE_INFORMATION const& zone, int year) {
     return rule;
 }
 
+// What the zone holds of itself, which is for this year.
+TIME_ZONE_INFORMATION FactsOf(DYNAMIC_TIME_ZONE_INFORMATION const& zone) {
+    TIME_ZONE_INFORMATION facts{};
+    facts.Bias = zone.Bias;
+    facts.StandardDate = zone.StandardDate;
+    facts.StandardBias = zone.StandardBias;
+    facts.DaylightDate = zone.DaylightDate;
+    facts.DaylightBias = zone.DaylightBias;
+    return facts;
+}
+
+// A zone without a name, or whose changes the user has turned off, has the same facts in all years.
 ZoneRules RulesOf(DYNAMIC_TIME_ZONE_INFORMATION const& zone) {
     return [zone](int year) {
-        TIME_ZONE_INFORMATION ofYear{};
         DYNAMIC_TIME_ZONE_INFORMATION asked = zone; // which the call does not take as const
-        return GetTimeZoneInformationForYear(static_cast<USHORT>(year), &asked, &ofYear)
-                   ? ToRule(ofYear, year)
-                   : YearRule{};
+        TIME_ZONE_INFORMATION ofYear{};
+        bool const knowsYears = !zone.DynamicDaylightTimeDisabled && zone.TimeZoneKeyName[0] &&
+                                GetTimeZoneInformationForYear(static_cast<USHORT>(year), &asked, &ofYear);
+        return ToRule(knowsYears ? ofYear : FactsOf(zone), year);
     };
 }
 
