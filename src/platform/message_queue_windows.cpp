@@ -108,8 +108,12 @@ void platform::EmptyMessageQueue(int (*filter)(tagMSG*)) {
     std::shared_ptr<MessageList> const list = ListOfThisThread();
     QueueMessage posted;
     for (MSG message; TakeNext(*list, message, posted);) {
+        HWND const window = message.hwnd;
+        bool const isPaint = message.message == WM_PAINT;
         if (!filter || filter(&message) == 0)
             Handle(message);
+        else if (isPaint && window) // which the system gives again until the window counts as painted
+            ::ValidateRect(window, nullptr);
     }
 }
 
