@@ -113,7 +113,7 @@ public:
 
     // Writes the key and all below it, as they stand at one moment, to a new file; one that exists is a
     // failure. It is text that registry editors read; a registry of the system's own writes its own form, and
-    // refuses users without the right to make backups.
+    // refuses a process that has not turned on its user's right to make backups.
     virtual std::uint32_t RegSaveKeyW(void* key, CodeUnit const* path, void const* security) = 0;
 };
 
