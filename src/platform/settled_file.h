@@ -15,7 +15,8 @@ inline constexpr std::size_t settledHeadSize = 4096;
 
 // Reads the head of a file twice, with LetWriterFinish in between and one opening; enters the system and
 // gives its error number. count is how much there is, up to the size of head; agree tells whether both reads
-// found the same. The path is taken as platform/files.h tells.
+// found the same. They do not in a file that another program, such as one that looks for viruses, lets nobody
+// else open at the moment, which is possible on Windows only. The path is taken as platform/files.h tells.
 SystemError ReadHeadTwice(std::basic_string_view<CodeUnit> path, std::span<char, settledHeadSize> head,
                           std::size_t& count, bool& agree);
 

@@ -64,6 +64,11 @@ private:
 SystemError ReadHeadTwice(std::basic_string_view<CodeUnit> path, std::span<char, settledHeadSize> head,
                           std::size_t& count, bool& agree) {
     OpenedFile const file(path);
+    if (file.OpenError() == ERROR_SHARING_VIOLATION) {
+        count = 0;
+        agree = false;
+        return 0;
+    }
     if (SystemError const error = file.OpenError()) {
         return error;
     }
