@@ -20,7 +20,8 @@ QMT_UTILU_API String GetSystemErrMsge(unsigned long int code);
 
 // Empties the calling thread's message queue, so that an application stays alive in a long operation: each
 // message goes to the filter, and is handled in the system's way when that gives 0 or is null. Returns when
-// the queue is empty; never waits for a message. Filter and handlers run on this thread.
+// the queue is empty; never waits for a message. Filter and handlers run on this thread. On Windows a window
+// whose WM_PAINT the filter takes counts as painted.
 QMT_UTILU_API void CheckQueueDuringLengthyOperation(int (*filter)(tagMSG*));
 
 // Opens an object of the system to all users. Where that is a file descriptor, converted to a pointer,
