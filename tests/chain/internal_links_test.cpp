@@ -1,6 +1,5 @@
 #include <typeinfo>
 
-#include "qmt/chain/chain_links.h"
 #include "support/chain_fixtures.h"
 
 namespace QMT {

@@ -1,7 +1,6 @@
 #include "qmt/chain/link_counts.h"
 
 #include "support/chain_fixtures.h"
-#include "support/text.h"
 
 namespace QMT {
 namespace {

@@ -1,6 +1,3 @@
-
-
-#include "qmt/chain/chain_links.h"
 #include "support/chain_fixtures.h"
 
 namespace QMT {
@@ -145,8 +142,7 @@ TEST_F(ParallelLinks, StopDoesNotWaitForAPartyThatCannotDoItsShare) {
 
 // Every party sees every buffer once and in order, with tiny rings and more counts on the way than buffers.
 template <typename StageType>
-class ParallelStress : public ParallelLinks {
-protected:
+struct ParallelStress : ParallelLinks {
     // Calls `test(writer, stage, reader)` with stages of all sizes behind a link that is pulled if they are.
     void ForEachSize(auto test) {
         for (int size = 0; size < 6; ++size) {

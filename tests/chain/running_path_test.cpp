@@ -2,7 +2,6 @@
 // wake each other.
 #include <ostream>
 
-#include "qmt/chain/chain_links.h"
 #include "support/chain_fixtures.h"
 #include "support/path_counters.h"
 
@@ -15,8 +14,7 @@ static void PrintTo(PathCounts const& counts, std::ostream* out) {
 
 namespace {
 
-class RunningPath : public ChainTest {
-protected:
+struct RunningPath : ChainTest {
     void SetUp() override {
         if (char const* const reason = WhyPathsAreNotCounted())
             GTEST_SKIP() << reason;

@@ -40,8 +40,7 @@ struct Job {
     std::thread::id thread;
 };
 
-class ThreadPoolTest : public testing::Test {
-protected:
+struct ThreadPoolTest : testing::Test {
     ThreadPoolTest() { UseNewPool(); }
 
     ~ThreadPoolTest() override {

@@ -8,8 +8,6 @@
 namespace QMT {
 namespace {
 
-namespace fs = std::filesystem;
-
 using namespace std::string_literals;
 
 std::string const lineEnd = (String() << newline).Len() == 1 ? "\n" : "\r\n";

@@ -9,14 +9,18 @@
 namespace QMT {
 namespace {
 
-namespace fs = std::filesystem;
-
 TEST(FileTreeConfig, NamesMayBeBytesThatAreNoText) {
     TempDirectory const directory;
     FileTreeConfig settings(directory.Path());
     EXPECT_EQ(TakeError(settings.WriteProfileStr(u"S", u"\xDC80", u"v")), u"");
     EXPECT_EQ(settings.GetReadOnlyString(u"S", u"\xDC80"), u"v");
-    EXPECT_EQ(ContentOf(directory.Place() / "Configuration/S/\x80.cfg"), "v\n");
+    fs::path const section = directory.Place() / "Configuration/S";
+    EXPECT_EQ(ContentOf(section / "\x80.cfg"), "v\n");
+    fs::rename(section / "\x80.cfg", section / "\xFF\xE2\x82z.cfg");
+    VArray<String, String> names;
+    EXPECT_EQ(TakeError(settings.EnumEntries(u"S", names)), u"");
+    EXPECT_EQ(Listed(names), u"\xDCFF\xDCE2\xDC82z|");
+    EXPECT_EQ(settings.GetReadOnlyString(u"S", names[0]), u"v");
 }
 
 TEST(FileTreeConfig, ADirectoryWithoutRightsGivesDefaultsAndErrors) {

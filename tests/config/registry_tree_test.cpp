@@ -7,9 +7,6 @@
 namespace QMT {
 namespace {
 
-using Names = VArray<String, String>;
-using Texts = std::vector<String>; // of errors that came one after the other
-
 // A registry that both does the work and counts the calls; the parameter says whether in memory.
 struct RegistryTreeTest : testing::TestWithParam<bool> {
     // The tree A, opened.

@@ -1,6 +1,5 @@
 // Settings survive processes that are killed, processes beside each other, and a full disc.
 #include <chrono>
-#include <set>
 
 #include <sqlite3.h>
 #include <sys/mount.h>
@@ -13,8 +12,6 @@
 
 namespace QMT {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int entryCount = 8;
 constexpr std::size_t longestSafeValue = 500;
@@ -49,27 +46,24 @@ class Store {
 public:
     Store(bool isRegistry, TempDirectory const& directory)
         : registry(RegistryIn(directory)), inUse(*registry), files(directory.Path()) {
-        EXPECT_EQ(isRegistry ? TakeError(app.emplace(u"M", u"P", u"", false).CheckExists(false)) : u"", u"");
+        EXPECT_EQ(isRegistry ? TakeError(app.CheckExists(false)) : u"", u"");
+        settings = isRegistry ? static_cast<SettingsStore*>(&app) : &files;
     }
 
     String Write(String const& entry, String const& value) {
-        return TakeError(app ? app->WriteProfileStr(u"S", entry, value)
-                             : files.WriteProfileStr(u"S", entry, value));
+        return TakeError(settings->WriteProfileStr(u"S", entry, value));
     }
 
-    String Read(String const& entry) {
-        return app ? app->GetReadOnlyString(u"S", entry) : files.GetReadOnlyString(u"S", entry);
-    }
+    String Read(String const& entry) { return settings->GetReadOnlyString(u"S", entry); }
 
-    String ReadOr(String const& entry, String const& defaultText) {
-        return app ? app->GetString(u"S", entry, defaultText) : files.GetString(u"S", entry, defaultText);
-    }
+    String ReadOr(String const& entry, String const& text) { return settings->GetString(u"S", entry, text); }
 
 private:
     TestRegistry registry;
     RegistryInUse inUse;
-    std::optional<AppConfig> app;
+    AppConfig app{u"M", u"P", u"", false};
     FileTreeConfig files;
+    SettingsStore* settings;
 };
 
 struct SettingsSafetyTest : testing::TestWithParam<bool> {

@@ -1,21 +1,14 @@
 #include "qmt/diagnostics/error_log.h"
 
-#include <array>
 #include <atomic>
-#include <cstdlib>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "qmt/time/utc_local_time.h"
 #include "support/file_content.h"
 #include "support/temp_directory.h"
+#include "support/text.h"
 
 namespace QMT {
 namespace {
-
-namespace fs = std::filesystem;
 
 std::atomic<bool> otherThreadLogs{false};
 char16_t const* clockText = u"";

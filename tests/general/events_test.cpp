@@ -1,18 +1,13 @@
 #include "qmt/general/events.h"
 
-#include <array>
 #include <atomic>
 #include <climits>
 #include <deque>
-#include <gtest/gtest.h>
-#include <memory>
-#include <thread>
-#include <vector>
 
 #include "platform/waiting.h"
 #include "qmt/general/threads.h"
-#include "support/seed.h"
 #include "support/sync_action.h"
+#include "support/text.h"
 
 namespace QMT {
 

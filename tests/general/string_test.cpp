@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstring>
 
-#include "qmt/general/errors.h"
 #include "qmt/general/numbers.h"
 #include "support/text.h"
 

@@ -1,8 +1,6 @@
 // A current table of native strings, for as long as an object lives.
 #pragma once
 
-#include <string>
-
 #include "qmt/html/native_strings.h"
 #include "support/memory_medium.h"
 

@@ -1,10 +1,5 @@
 // What paths and directories are where the system names files by bytes.
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "qmt/helpers/paths.h"
 #include "support/child_process.h"
@@ -13,8 +8,6 @@
 
 namespace QMT {
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(Files, AreMadeWriteableForTheirOwner) {
     TempDirectory const directory;

@@ -1,7 +1,5 @@
 #include "qmt/helpers/paths.h"
 
-#include <gtest/gtest.h>
-
 #include "helpers/paths_text.h"
 #include "qmt/general/files.h"
 #include "support/text.h"

@@ -1,14 +1,8 @@
 #include "qmt/helpers/rgb_scaling.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <memory>
-#include <vector>
-
 #include "helpers/rgb_scaling_division.h"
 #include "helpers/rgb_scaling_kernels.h"
-#include "support/seed.h"
+#include "support/text.h"
 
 namespace QMT {
 

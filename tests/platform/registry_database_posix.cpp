@@ -1,6 +1,4 @@
 // What the databases do besides, in which a registry is kept where the system has none.
-#include <fstream>
-
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -10,8 +8,6 @@
 
 namespace QMT {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct RegistryDatabaseTest : testing::Test {
     TempDirectory directory;

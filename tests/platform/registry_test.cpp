@@ -9,15 +9,12 @@
 namespace QMT {
 namespace {
 
-namespace fs = std::filesystem;
-
 using namespace std::string_literals;
 using namespace platform;
 
 // ---- what every registry does
 
-class AnyRegistryTest : public testing::TestWithParam<std::string> {
-protected:
+struct AnyRegistryTest : testing::TestWithParam<std::string> {
     TempDirectory directory;
     TestRegistry inner = GetParam() == "memory" ? MakeMemoryRegistry() : RegistryIn(directory);
     CountingRegistry counting{*inner};

@@ -253,8 +253,7 @@ void Notify(Link& link) {
 }
 
 // A pool for the links of a test, which are declared in the test and stopped before it ends.
-class ChainTest : public testing::Test {
-protected:
+struct ChainTest : testing::Test {
     ChainTest() { UseNewPool(); }
 
     // When no link has a task, or the pool has been told to exit.

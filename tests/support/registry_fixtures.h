@@ -37,8 +37,10 @@ private:
     Registry* before;
 };
 
-// What several calls gave, in order.
+// What several calls gave, in order: results, errors or names.
 using Results = std::vector<std::uint32_t>;
+using Texts = std::vector<String>;
+using Names = VArray<String, String>;
 
 // The calls with the arguments that tests vary. What is opened becomes the key.
 struct RegistryCalls {

@@ -1,8 +1,6 @@
 // The registry that stands in for the system's, in databases of the test's directory.
 #include "support/registry_fixtures.h"
 
-#include <cerrno>
-
 namespace QMT {
 
 bool const systemHasRegistry = false;

@@ -9,22 +9,22 @@
 
 namespace QMT {
 
+namespace fs = std::filesystem;
+
 // An empty directory, deleted with all that it holds at the end.
 class TempDirectory {
 public:
-    TempDirectory() : place(std::filesystem::temp_directory_path() / MakeName()) {
-        std::filesystem::create_directory(place);
-    }
+    TempDirectory() : place(fs::temp_directory_path() / MakeName()) { fs::create_directory(place); }
 
     TempDirectory(TempDirectory const&) = delete;
     TempDirectory& operator=(TempDirectory const&) = delete;
 
     ~TempDirectory() {
         std::error_code ignored;
-        std::filesystem::remove_all(place, ignored);
+        fs::remove_all(place, ignored);
     }
 
-    std::filesystem::path const& Place() const { return place; }
+    fs::path const& Place() const { return place; }
 
     // The directory's path, or that of a name in it, as text.
     String Path() const { return DecodeFromUTF8(place.string().c_str(), false); }
@@ -37,7 +37,7 @@ private:
         return "qmt_test_" + std::to_string(random()) + "_" + std::to_string(random());
     }
 
-    std::filesystem::path place;
+    fs::path place;
 };
 
 } // namespace QMT

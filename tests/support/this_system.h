@@ -17,9 +17,6 @@ std::string ShownThreadName();
 // Whether a file's name may hold a lone surrogate. Wine, unlike Windows, takes none.
 bool TakesLoneSurrogates();
 
-// Makes a file that holds "1", with a name that is no text, in the directory, if there can be one.
-bool MakeFileWithoutText(std::filesystem::path const& directory);
-
 // Gathers what goes to the developer's debug output from any thread, one at a time in the process.
 class DebugOutput {
 public:

@@ -27,11 +27,6 @@ bool TakesLoneSurrogates() {
     return true;
 }
 
-bool MakeFileWithoutText(std::filesystem::path const& directory) {
-    std::ofstream(directory / "\xFF\xE2\x82z") << "1";
-    return true;
-}
-
 DebugOutput::DebugOutput() {
     testing::internal::CaptureStderr();
 }

@@ -121,10 +121,6 @@ bool TakesLoneSurrogates() {
     return handle != INVALID_HANDLE_VALUE && CloseHandle(handle);
 }
 
-bool MakeFileWithoutText(std::filesystem::path const&) {
-    return false;
-}
-
 DebugOutput::DebugOutput() {
     gathered.clear();
     gathering = AddVectoredExceptionHandler(1, Gather);

@@ -4,12 +4,13 @@
 #include <atomic>
 #include <cstdlib>
 #include <optional>
-#include <string>
 
 #include "qmt/time/utc_local_time.h"
 #include "support/this_system.h"
 
 namespace QMT {
+
+constexpr char const* berlin = "CET-1CEST,M3.5.0,M10.5.0/3"; // 31 March and 27 October in 2024
 
 // For as long as it lives the environment names `zone`, the application's time is the given one, and the
 // zone's records are those of its year. Then the environment and the clock are back and there are no records.

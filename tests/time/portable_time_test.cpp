@@ -2,16 +2,10 @@
 #include "qmt/time/portable_time.h"
 #include "qmt/time/utc_local_time.h"
 
-#include <array>
 #include <chrono>
 #include <climits>
 #include <cstddef>
-#include <cstdint>
-#include <thread>
 
-#include <gtest/gtest.h>
-
-#include "support/seed.h"
 #include "support/text.h"
 
 namespace QMT {

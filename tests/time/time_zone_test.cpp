@@ -1,27 +1,13 @@
 // The records of the local zone: what the search finds, when it runs, how they are replaced.
 #include "qmt/time/time_zone.h"
 
-#include <algorithm>
-#include <array>
-#include <atomic>
 #include <cstddef>
-#include <cstdint>
-#include <map>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-#include "support/seed.h"
 #include "support/text.h"
 #include "support/zone_scope.h"
 
 namespace QMT {
 namespace {
-
-constexpr char const* berlin = "CET-1CEST,M3.5.0,M10.5.0/3";
 
 TEST(TimeZone, FindsTheChangesOfAYear) {
     // January's and June's offset, the two changes by the wall clock, the two in UTC.

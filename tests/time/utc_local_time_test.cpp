@@ -1,8 +1,6 @@
 // UTC and the wall clock: conversions, arithmetic, time units.
 #include "qmt/time/utc_local_time.h"
 
-#include <gtest/gtest.h>
-
 #include "qmt/time/time_zone.h"
 #include "support/text.h"
 #include "support/zone_scope.h"
@@ -10,7 +8,6 @@
 namespace QMT {
 namespace {
 
-constexpr char const* berlin = "CET-1CEST,M3.5.0,M10.5.0/3"; // 31 March and 27 October in 2024
 constexpr char const* india = "IST-5:30";
 
 TEST(LocalTime, ReadingsAroundTheChanges) {
