@@ -17,8 +17,7 @@ String Content(Map<String, String> const& table) {
     return content;
 }
 
-class NativeStringsTest : public testing::Test {
-protected:
+struct NativeStringsTest : testing::Test {
     MemoryMedium medium;
     TempDirectory log;
     Map<String, String> table, other;

@@ -12,6 +12,17 @@
 
 namespace QMT {
 
+// The elements of the text, which are split at blanks or as the flag says.
+inline std::vector<String> Elements(String const& text, bool ParsableText::*flag = nullptr) {
+    std::vector<String> found;
+    ParsableText elements(text);
+    if (flag)
+        elements.*flag = true;
+    for (String element; elements.GetNextElem(&element, 0);)
+        found.push_back(element);
+    return found;
+}
+
 class ReferenceParser {
 public:
     explicit ReferenceParser(String const& page) : html(page) { PreFilter(); }
@@ -33,7 +44,7 @@ public:
 
     void Format(int width) {
         String output;
-        Row const lines = Split(html, true);
+        Row const lines = Lines(html);
         for (std::size_t i = 0, depth = 0; i < lines.size(); ++i) {
             output << lines[i] << newline;
             if (depth == 0) {
@@ -46,7 +57,7 @@ public:
                     paragraph << lines[i] << newline;
                 if (i == lines.size())
                     break;
-                FormatParagraph(Split(paragraph, false), width, output);
+                FormatParagraph(Elements(paragraph), width, output);
                 output << lines[i] << newline;
             }
             if (Has(lines[i], u"<div"))
@@ -76,14 +87,7 @@ private:
         return std::ranges::any_of(parts, [&](String const& part) { return Has(text, part); });
     }
 
-    static Row Split(String const& text, bool atLineEnds) {
-        Row parts;
-        ParsableText elements(text);
-        elements.splitOnLineEnds = atLineEnds;
-        for (String part; elements.GetNextElem(&part, 0);)
-            parts.push_back(part);
-        return parts;
-    }
+    static Row Lines(String const& text) { return Elements(text, &ParsableText::splitOnLineEnds); }
 
     static void StepBack(String const& text, int& at, String& indent) {
         bool const isSet = !indent.IsEmpty();
@@ -108,7 +112,7 @@ private:
 
     void PreFilter() {
         String first;
-        for (String line : Split(html, true)) {
+        for (String line : Lines(html)) {
             String indent;
             SplitOff(line, indent, u"<p");
             SplitOff(line, indent, u"<td");
@@ -128,7 +132,7 @@ private:
             first << line << newline;
         }
         html.SetEmpty();
-        for (String const& line : Split(first, true))
+        for (String const& line : Lines(first))
             if (!String(line).TrimAll().IsEmpty())
                 html << line << newline;
     }
@@ -180,7 +184,7 @@ private:
     String ParseOut(bool inHead) {
         String output, paragraph, text;
         bool inParagraph = false;
-        for (String const& line : Split(html, true)) {
+        for (String const& line : Lines(html)) {
             int at = 0, begin = -1, end = -1; // the places in front of and behind a text
             if (inHead) {
                 bool const isDescription = Has(line, u"<meta name=\"description\" content=\"");
