@@ -10,8 +10,6 @@ struct PathCounts {
     long allocations = 0, locks = 0, systemCalls = 0;
 };
 
-#if defined(QMT_COUNTS_PATHS)
-
 // Why nothing can be counted here; null when it can.
 char const* WhyPathsAreNotCounted();
 
@@ -25,23 +23,5 @@ PathCounts CloseWindow();
 
 // Makes one system call.
 void EnterSystem();
-
-#else
-
-inline char const* WhyPathsAreNotCounted() {
-    return "counting needs a release build for Linux on x86-64";
-}
-
-inline void OpenWindow() {}
-
-inline void CountThisThread() {}
-
-inline PathCounts CloseWindow() {
-    return {};
-}
-
-inline void EnterSystem() {}
-
-#endif
 
 } // namespace QMT
