@@ -1,10 +1,8 @@
 // What the system's own services make of the calls.
-#include "qmt/helpers/system.h"
-
 #include <windows.h>
 
+#include "helpers/code_page_text.h"
 #include "qmt/platform/message_queue.h"
-#include "support/text.h"
 
 namespace QMT {
 namespace {
@@ -51,9 +49,9 @@ TEST(KernelObjects, AreOpenedToAllByAnAccessListOfNull) {
     HANDLE const process = ::GetCurrentProcess();
     ASSERT_TRUE(::DuplicateHandle(process, event, process, &lesser, SYNCHRONIZE, FALSE, 0));
     String const refused = u"Couldn't reset kernel object security to open access:";
-    EXPECT_EQ(TakeError(AllowAccessToKernelObject(lesser)), refused + GetSystemErrMsge(ERROR_ACCESS_DENIED));
-    EXPECT_EQ(TakeError(AllowAccessToKernelObject(nullptr)),
-              refused + GetSystemErrMsge(ERROR_INVALID_HANDLE));
+    for (auto const& [object, error] :
+         {std::pair{lesser, 5U}, {nullptr, 6U}}) // access denied, invalid handle
+        EXPECT_EQ(TakeError(AllowAccessToKernelObject(object)), refused + GetSystemErrMsge(error));
     EXPECT_EQ(TakeError(AllowAccessToKernelObject(event)), u"");
     std::array<unsigned char, 1000> descriptor;
     DWORD size = descriptor.size();
@@ -67,11 +65,7 @@ TEST(KernelObjects, AreOpenedToAllByAnAccessListOfNull) {
 }
 
 TEST(CodePages, ZeroIsTheSystems) {
-    auto const encoded = [](unsigned int codePage) {
-        std::unique_ptr<char[]> const bytes(ConvertToMultibyte(L"\u00E4\u0416", codePage, nullptr));
-        return std::string(bytes.get());
-    };
-    EXPECT_EQ(encoded(0), encoded(::GetACP()));
+    EXPECT_EQ(Bytes(u"\u00E4\u0416", 0), Bytes(u"\u00E4\u0416", ::GetACP()));
 }
 
 TEST(User, HasTheNameAndTheCurrencyOfTheSession) {

@@ -1,5 +1,5 @@
 // The system's own registry, with keys of the test's own in place of its roots: Software\QmtUtiluTests below
-// the user's root, and in it one key a process, which the next test removes should the process have died.
+// the user's root, and in it one key a program, which its next test removes should a test have died.
 #include "support/registry_fixtures.h"
 
 #include <system_error>
@@ -18,8 +18,7 @@ std::wstring const keyOfTests = L"Software\\QmtUtiluTests";
 
 HKEY Make(std::wstring const& path) {
     HKEY key = nullptr;
-    LSTATUS const result = ::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
-                                             nullptr, &key, nullptr);
+    LSTATUS const result = ::RegCreateKeyW(HKEY_CURRENT_USER, path.c_str(), &key);
     if (result != ERROR_SUCCESS)
         throw std::system_error(result, std::system_category(), "cannot make a key for the test");
     return key;
@@ -30,20 +29,10 @@ void Remove(std::wstring const& path) {
     ::RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
 }
 
-bool IsRunning(DWORD process) {
-    HANDLE const handle = ::OpenProcess(SYNCHRONIZE, FALSE, process);
-    bool const isRunning = handle && ::WaitForSingleObject(handle, 0) == WAIT_TIMEOUT;
-    ::CloseHandle(handle);
-    return isRunning;
-}
-
-void RemoveWhatTheDeadHaveLeft() {
-    HKEY const tests = Make(keyOfTests);
-    wchar_t name[20];
-    for (DWORD i = 0; ::RegEnumKeyW(tests, i, name, std::size(name)) == ERROR_SUCCESS; ++i)
-        if (!IsRunning(std::wcstoul(name, nullptr, 10)))
-            Remove(keyOfTests + L"\\" + name);
-    ::RegCloseKey(tests);
+std::wstring KeyOfProgram() {
+    wchar_t program[MAX_PATH] = L"";
+    ::GetModuleFileNameW(nullptr, program, MAX_PATH);
+    return keyOfTests + L"\\" + fs::path(program).stem().native();
 }
 
 // Lets the root be the key, which is closed; null brings back the root.
@@ -57,8 +46,8 @@ void Redirect(HKEY root, HKEY key) {
 } // namespace
 
 TestRegistry RegistryIn(TempDirectory const&) {
-    RemoveWhatTheDeadHaveLeft();
-    std::wstring const path = keyOfTests + L"\\" + std::to_wstring(::GetCurrentProcessId());
+    std::wstring const path = KeyOfProgram();
+    Remove(path);
     HKEY const userKey = Make(path + L"\\user");
     HKEY const machineKey = Make(path + L"\\machine");
     for (wchar_t const* const root : {L"\\user", L"\\machine"})
@@ -69,7 +58,7 @@ TestRegistry RegistryIn(TempDirectory const&) {
         for (HKEY const root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
             ::RegOverridePredefKey(root, nullptr);
         Remove(path);
-        ::RegDeleteKeyW(HKEY_CURRENT_USER, keyOfTests.c_str()); // unless other processes have keys in it
+        ::RegDeleteKeyW(HKEY_CURRENT_USER, keyOfTests.c_str()); // unless other programs have keys in it
     };
     return {&GetRegistry(), remove};
 }
