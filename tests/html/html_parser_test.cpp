@@ -11,6 +11,16 @@ namespace {
 using Strings = VArray<String, String>;
 using Table = Map<String, String>;
 
+std::vector<String> Elements(String const& text, bool ParsableText::*flag) {
+    std::vector<String> found;
+    ParsableText elements(text);
+    if (flag)
+        elements.*flag = true;
+    for (String element; elements.GetNextElem(&element, 0);)
+        found.push_back(element);
+    return found;
+}
+
 template <typename Array>
 std::vector<String> VectorOf(Array const& array) {
     std::vector<String> list;
@@ -26,7 +36,8 @@ std::vector<String> Told(NativeCoverage const& coverage) {
     return texts;
 }
 
-struct HtmlParserTest : testing::Test {
+class HtmlParserTest : public testing::Test {
+protected:
     std::mt19937 random = SeededGenerator();
 
     bool OneIn(unsigned count) { return random() % count == 0; }
@@ -54,10 +65,13 @@ struct HtmlParserTest : testing::Test {
     }
 
     // A formatable block whose paragraphs are closed, unindented and not empty, without headings and links.
-    String OrderlyPage() {
+    String OrderlyPage(std::size_t& fieldTexts) {
         String page = u"<body>\n<div id=\"formatable\">\n";
         for (auto blocks = random() % 6; blocks > 0; --blocks) {
-            page << (OneIn(4) ? u"<input value=\"a\" placeholder=\"b\">\n<label>c</label>\n<p>\n" : u"<p>\n");
+            bool const hasFields = OneIn(4);
+            page << (hasFields ? u"<input value=\"a\" placeholder=\"b\">\n<label>c</label>\n<p>\n"
+                               : u"<p>\n");
+            fieldTexts += hasFields ? 2 : 0;
             for (auto words = random() % 60; words > 0; --words)
                 page << Pick({u"a", u"I.", u"some", u"words", u"end.", u"<b>x</b>", u"stop.",
                               u"counterweights"})
@@ -78,9 +92,10 @@ struct HtmlParserTest : testing::Test {
 
 TEST_F(HtmlParserTest, AgreesWithThePlainRulesOnRandomPages) {
     for (int round = 0; round < 4000; ++round) {
+        std::size_t ignored = 0;
         String const start = OneIn(2) ? u"<div id=\"formatable\">\n<p>\n" : u"";
         String const page =
-            OneIn(4) ? OrderlyPage() : start + RandomPieces(random() % (OneIn(40) ? 3000 : 80));
+            OneIn(4) ? OrderlyPage(ignored) : start + RandomPieces(random() % (OneIn(40) ? 3000 : 80));
         HtmlParser parser(page);
         ReferenceParser reference(page);
         for (int job = 0; job < 4; ++job) {
@@ -101,12 +116,31 @@ TEST_F(HtmlParserTest, AgreesWithThePlainRulesOnRandomPages) {
             NativeCoverage const coverage = CheckNativeCoverage(page, table, parseHead);
             std::erase_if(reference.found, [&](String const& text) { return table.Find(text) >= 0; });
             ASSERT_TRUE(job > 0 || (Told(coverage) == reference.found && coverage.unused.empty()));
-            int const width = static_cast<int>(random() % 65) - 5;
+            int const width = static_cast<int>(random() % 60);
             if (OneIn(2))
                 parser.SubstituteNativeStrings(table, parseHead), reference.Substitute(table, parseHead);
             else
-                parser.FormatForCharactersWidth(width), reference.Format(std::max(width, 0));
+                parser.FormatForCharactersWidth(width), reference.Format(width);
         }
+    }
+}
+
+TEST_F(HtmlParserTest, AnEmptyTableAndWrappingKeepTheWordsOfOrderlyPages) {
+    auto const words = [](String const& page) {
+        std::vector<String> kept = Elements(page, nullptr);
+        std::erase_if(kept, [](String const& word) { return word == u"<br" || word == u"/>"; });
+        return kept;
+    };
+    for (int round = 0; round < 300; ++round) {
+        std::size_t fieldTexts = 0;
+        HtmlParser parser(OrderlyPage(fieldTexts));
+        String const before = parser.GetAlteredHtml();
+        parser.SubstituteNativeStrings(Table(), false);
+        std::vector<String> lines = Elements(parser.GetAlteredHtml(), &ParsableText::splitOnLineEnds);
+        ASSERT_EQ(std::erase(lines, String()), fieldTexts);
+        ASSERT_EQ(lines, Elements(before, &ParsableText::splitOnLineEnds));
+        parser.FormatForCharactersWidth(static_cast<int>(random() % 50) - 5);
+        ASSERT_EQ(words(parser.GetAlteredHtml()), words(before));
     }
 }
 

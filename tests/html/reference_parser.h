@@ -12,17 +12,6 @@
 
 namespace QMT {
 
-// The elements of the text, which are split at blanks or as the flag says.
-inline std::vector<String> Elements(String const& text, bool ParsableText::*flag = nullptr) {
-    std::vector<String> found;
-    ParsableText elements(text);
-    if (flag)
-        elements.*flag = true;
-    for (String element; elements.GetNextElem(&element, 0);)
-        found.push_back(element);
-    return found;
-}
-
 class ReferenceParser {
 public:
     explicit ReferenceParser(String const& page) : html(page) { PreFilter(); }
@@ -44,7 +33,7 @@ public:
 
     void Format(int width) {
         String output;
-        Row const lines = Lines(html);
+        Row const lines = Split(html, true);
         for (std::size_t i = 0, depth = 0; i < lines.size(); ++i) {
             output << lines[i] << newline;
             if (depth == 0) {
@@ -57,7 +46,7 @@ public:
                     paragraph << lines[i] << newline;
                 if (i == lines.size())
                     break;
-                FormatParagraph(Elements(paragraph), width, output);
+                FormatParagraph(Split(paragraph, false), width, output);
                 output << lines[i] << newline;
             }
             if (Has(lines[i], u"<div"))
@@ -87,7 +76,14 @@ private:
         return std::ranges::any_of(parts, [&](String const& part) { return Has(text, part); });
     }
 
-    static Row Lines(String const& text) { return Elements(text, &ParsableText::splitOnLineEnds); }
+    static Row Split(String const& text, bool atLineEnds) {
+        Row parts;
+        ParsableText elements(text);
+        elements.splitOnLineEnds = atLineEnds;
+        for (String part; elements.GetNextElem(&part, 0);)
+            parts.push_back(part);
+        return parts;
+    }
 
     static void StepBack(String const& text, int& at, String& indent) {
         bool const isSet = !indent.IsEmpty();
@@ -112,7 +108,7 @@ private:
 
     void PreFilter() {
         String first;
-        for (String line : Lines(html)) {
+        for (String line : Split(html, true)) {
             String indent;
             SplitOff(line, indent, u"<p");
             SplitOff(line, indent, u"<td");
@@ -132,7 +128,7 @@ private:
             first << line << newline;
         }
         html.SetEmpty();
-        for (String const& line : Lines(first))
+        for (String const& line : Split(first, true))
             if (!String(line).TrimAll().IsEmpty())
                 html << line << newline;
     }
@@ -184,7 +180,7 @@ private:
     String ParseOut(bool inHead) {
         String output, paragraph, text;
         bool inParagraph = false;
-        for (String const& line : Lines(html)) {
+        for (String const& line : Split(html, true)) {
             int at = 0, begin = -1, end = -1; // the places in front of and behind a text
             if (inHead) {
                 bool const isDescription = Has(line, u"<meta name=\"description\" content=\"");
