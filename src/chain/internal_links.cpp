@@ -81,7 +81,7 @@ CrossoverLink::CrossoverLink() = default;
 CrossoverLink::~CrossoverLink() = default;
 
 void CrossoverLink::PullProcess() {
-    ChainLink::PullProcess();
+    InternalPushLink::PullProcess(); // counts, and pulls nothing
 }
 
 void CrossoverLink::StopLinkedProcessing() {
