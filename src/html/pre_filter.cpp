@@ -134,18 +134,12 @@ public:
         TextView const units = page.substr(line.begin, line.end - line.begin);
         if (std::all_of(units.begin(), units.end(), IsWhiteSpace))
             return;
-        MakeRoom(indent.size() + units.size());
-        for (CodeUnit const unit : indent)
-            text[used++] = unit;
-        CopyFromPage(line);
-        EndLine(sourceLine);
+        CodeUnit* const start = RoomFor(indent.size() + units.size());
+        EndLine(CopyFromPage(line, Copy(indent, start)), sourceLine);
     }
 
     void AddBreak(std::size_t sourceLine) {
-        MakeRoom(normalBreak.size());
-        for (CodeUnit const unit : normalBreak)
-            text[used++] = unit;
-        EndLine(sourceLine);
+        EndLine(Copy(normalBreak, RoomFor(normalBreak.size())), sourceLine);
     }
 
     String Take() {
@@ -160,23 +154,34 @@ private:
     // Room for such a step and for a line break.
     static constexpr std::size_t slack = step + 2;
 
-    void MakeRoom(std::size_t units) {
+    // Where the text goes on, in front of so much room.
+    CodeUnit* RoomFor(std::size_t units) {
         if (text.size() - used < units + slack)
             text.resize(text.size() + std::max(text.size() / 2, units + slack));
+        return text.data() + used;
     }
 
-    void CopyFromPage(Stretch line) {
-        CodeUnit* to = text.data() + used;
-        used += line.end - line.begin;
-        for (; line.begin < line.end && page.size() - line.begin >= step; line.begin += step, to += step)
-            std::copy_n(page.data() + line.begin, step, to);
-        for (; line.begin < line.end; ++line.begin, ++to)
-            *to = page[line.begin];
+    // These give the place behind what they have written.
+
+    static CodeUnit* Copy(TextView units, CodeUnit* to) {
+        for (CodeUnit const unit : units)
+            *to++ = unit;
+        return to;
     }
 
-    void EndLine(std::size_t sourceLine) {
-        for (CodeUnit const unit : lineBreak)
-            text[used++] = unit;
+    CodeUnit* CopyFromPage(Stretch line, CodeUnit* to) const {
+        CodeUnit const* from = page.data() + line.begin;
+        CodeUnit const* const end = page.data() + line.end;
+        if (page.size() - line.end < step)
+            return std::copy(from, end, to);
+        CodeUnit* const toEnd = to + (end - from);
+        for (; from < end; from += step, to += step)
+            std::copy_n(from, step, to);
+        return toEnd;
+    }
+
+    void EndLine(CodeUnit* to, std::size_t sourceLine) {
+        used = static_cast<std::size_t>(Copy(lineBreak, to) - text.data());
         if (sourceLines)
             sourceLines->push_back(sourceLine);
     }
