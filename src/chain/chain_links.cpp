@@ -1,5 +1,6 @@
 #include "qmt/chain/chain_links.h"
 
+#include <atomic>
 #include <utility>
 
 #include "chain/link_task.h"
@@ -8,8 +9,8 @@ namespace QMT {
 
 namespace {
 
-// Set before the chains run and then only read.
-ThreadPool* threadPoolToUse = nullptr;
+// Links may start on any thread while it is set anew.
+constinit std::atomic<ThreadPool*> threadPoolToUse{nullptr};
 
 } // namespace
 
@@ -53,11 +54,11 @@ String ChainLink::GetTraceName() const {
 }
 
 void ChainLink::SetThreadPoolToUse(ThreadPool* pool) {
-    threadPoolToUse = pool;
+    threadPoolToUse.store(pool, std::memory_order_release);
 }
 
 ThreadPool* ThreadPoolOfLinks() {
-    return threadPoolToUse;
+    return threadPoolToUse.load(std::memory_order_acquire);
 }
 
 ExternalPushLink::ExternalPushLink() = default;

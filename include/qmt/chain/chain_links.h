@@ -84,7 +84,9 @@ public:
     String GetTraceName() const;
 
     // The pool on whose threads all internal links of the process run. It stays the caller's, must outlive
-    // the chains, and is set before the first push or pull reaches an internal link.
+    // the chains, and is set before the first push or pull reaches an internal link. When it is set anew,
+    // links that start from then on take the new one; a start that is under way on another thread may take
+    // either.
     static void SetThreadPoolToUse(ThreadPool* pool);
 
 protected:
