@@ -2,8 +2,6 @@
 
 #include <cassert>
 #include <chrono>
-#include <cstdint>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -22,7 +20,7 @@ struct Thread::Imp {
     bool joins;
     bool selfDeletes = false;
     void (*startFunction)() = nullptr;
-    std::thread joined;
+    platform::ThreadHandle joined = 0;
 };
 
 void MS_Sleep(unsigned int milliseconds) {
@@ -32,8 +30,8 @@ void MS_Sleep(unsigned int milliseconds) {
 Thread::Thread(char const* name, Event* ended, bool joins) : imp(new Imp(name, ended, joins)) {}
 
 Thread::~Thread() {
-    if (imp->joined.joinable())
-        imp->joined.join();
+    if (imp->joined != 0)
+        platform::JoinThread(imp->joined);
 }
 
 void Thread::RegisterSelfDeletes() {
@@ -50,17 +48,11 @@ ErrorInfo* Thread::StartRunning() {
     message << DecodeFromUTF8(imp->name == nullptr ? "" : imp->name, false) << u"\".";
     if (QMT_FAULT_POINT("Thread::StartRunning"))
         return MakeError(std::move(message));
-    try {
-        // Once the thread exists a self-deleting object may be gone, so nothing of it is touched any more.
-        bool const joins = imp->joins;
-        std::thread started([this] { Run(); });
-        if (joins)
-            imp->joined = std::move(started);
-        else
-            started.detach();
-    } catch (std::system_error const& error) {
-        return MakeError(std::move(message), SystemErrorText(platform::ThreadStartError(error.code())));
-    }
+    // Once the thread exists a self-deleting object may be gone, so nothing of it is touched any more.
+    platform::ThreadHandle* const handle = imp->joins ? &imp->joined : nullptr;
+    auto const run = [](void* thread) { static_cast<Thread*>(thread)->Run(); };
+    if (platform::SystemError const error = platform::StartThread(run, this, handle))
+        return MakeError(std::move(message), SystemErrorText(error));
     return nullptr;
 }
 

@@ -1,7 +1,7 @@
 // What threads need of the system beside the language's library.
 #pragma once
 
-#include <system_error>
+#include <cstdint>
 
 #include "platform/system_errors.h"
 
@@ -11,8 +11,15 @@ namespace QMT::platform {
 // it as it was. Linux shows the first 15 bytes, Windows all of them.
 void NameCurrentThread(char const* name);
 
-// The system's number for what the language's library gives when a thread cannot start. POSIX: the same
-// number. Windows: the library knows no more than that the system had no room for another thread.
-SystemError ThreadStartError(std::error_code const& error);
+// A thread to wait for: the system's handle, never 0.
+using ThreadHandle = std::uintptr_t;
+
+// Starts a thread that calls `run` with `argument`. With `handle` null nobody waits for the thread; otherwise
+// it becomes the thread's, to be given to `JoinThread` once. Gives 0, or the system's number for what went
+// wrong, and then nothing runs. Allocates.
+SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle);
+
+// Waits until the thread is gone, its thread-local variables included.
+void JoinThread(ThreadHandle thread);
 
 } // namespace QMT::platform

@@ -3,8 +3,25 @@
 #include <pthread.h>
 
 #include <cstring>
+#include <memory>
 
 namespace QMT::platform {
+
+namespace {
+
+struct Start {
+    void (*run)(void*);
+    void* argument;
+};
+
+void* Run(void* started) {
+    std::unique_ptr<Start> const owned(static_cast<Start*>(started));
+    Start const start = *owned;
+    start.run(start.argument);
+    return nullptr;
+}
+
+} // namespace
 
 void NameCurrentThread(char const* name) {
 #if defined(__linux__)
@@ -18,8 +35,22 @@ void NameCurrentThread(char const* name) {
 #endif
 }
 
-SystemError ThreadStartError(std::error_code const& error) {
-    return static_cast<SystemError>(error.value());
+SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle) {
+    static_assert(sizeof(pthread_t) <= sizeof(ThreadHandle));
+    auto start = std::make_unique<Start>(run, argument);
+    pthread_t thread{};
+    if (int const error = pthread_create(&thread, nullptr, Run, start.get()))
+        return static_cast<SystemError>(error);
+    static_cast<void>(start.release());
+    if (handle != nullptr)
+        *handle = reinterpret_cast<ThreadHandle>(thread);
+    else
+        pthread_detach(thread);
+    return 0;
+}
+
+void JoinThread(ThreadHandle thread) {
+    pthread_join(reinterpret_cast<pthread_t>(thread), nullptr);
 }
 
 } // namespace QMT::platform

@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+#include <process.h>
+
+#include <memory>
+
 #if defined(__MINGW32__)
 #include <cxxabi.h>
 #endif
@@ -11,16 +15,29 @@
 
 namespace QMT::platform {
 
-#if defined(__MINGW32__)
 namespace {
 
+struct Start {
+    void (*run)(void*);
+    void* argument;
+};
+
+// An exception that leaves the thread ends the process, as on every system.
+unsigned __stdcall Run(void* started) noexcept {
+    std::unique_ptr<Start> const owned(static_cast<Start*>(started));
+    Start const start = *owned;
+    start.run(start.argument);
+    return 0;
+}
+
+#if defined(__MINGW32__)
 // The compiler's run-time library destroys a thread's variables through one key of its thread library, and
 // frees their memory through another; when a thread ends, the key that was made first has its turn first. So
 // the key of the destructors is made while this library is loaded, before any thread has such a variable.
 [[maybe_unused]] int const madeKeyOfDestructors = abi::__cxa_thread_atexit([](void*) {}, nullptr, nullptr);
+#endif
 
 } // namespace
-#endif
 
 void NameCurrentThread(char const* name) {
     static auto* const setDescription =
@@ -29,8 +46,28 @@ void NameCurrentThread(char const* name) {
         setDescription(GetCurrentThread(), ToWide(name).c_str());
 }
 
-SystemError ThreadStartError(std::error_code const&) {
-    return ERROR_NO_SYSTEM_RESOURCES;
+// Not by the language's library: under mingw-w64 that stands on a thread library which gives the record of a
+// detached thread that ends to the next one too early, and then that next one ends without having run.
+SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle) {
+    auto start = std::make_unique<Start>(run, argument);
+    SetLastError(ERROR_SUCCESS);
+    std::uintptr_t const thread = _beginthreadex(nullptr, 0, Run, start.get(), 0, nullptr);
+    if (thread == 0) {
+        SystemError const error = LastSystemError();
+        return error == ERROR_SUCCESS ? ERROR_NO_SYSTEM_RESOURCES : error;
+    }
+    static_cast<void>(start.release());
+    if (handle != nullptr)
+        *handle = thread;
+    else
+        CloseHandle(reinterpret_cast<HANDLE>(thread));
+    return 0;
+}
+
+void JoinThread(ThreadHandle thread) {
+    auto* const handle = reinterpret_cast<HANDLE>(thread);
+    WaitForSingleObject(handle, INFINITE);
+    CloseHandle(handle);
 }
 
 } // namespace QMT::platform
