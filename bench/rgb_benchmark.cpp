@@ -184,6 +184,20 @@ private:
     Bytes output = Bytes(doubledSize);
 };
 
+// Copies into each row that doubling fills, always from the same row, which stays in the innermost cache.
+class RowCopier {
+public:
+    void operator()(unsigned char const* source) {
+        for (std::size_t row = 0; row < doubledSize; row += rowSize)
+            std::memcpy(output.data() + row, source, rowSize);
+        benchmark::ClobberMemory();
+    }
+
+private:
+    static constexpr std::size_t rowSize = std::size_t{width} * 6;
+    Bytes output = Bytes(doubledSize);
+};
+
 template <class Scaler>
 void Run(benchmark::State& state, Scaler scaler, std::size_t sourceSize) {
     Bytes const source = NoisyBytes(sourceSize + swscaleRoom);
@@ -221,6 +235,7 @@ int Register() {
     AddDoubler("Rgb/Double/Qmt", [] { return QmtDoubler(QMT::RGBPlain); });
     AddDoubler("Rgb/DoubleFromYuv/Qmt", [] { return QmtDoubler(QMT::YUVToRGB); });
     AddDoubler("Rgb/Double/Memset", [] { return Filler(); });
+    AddDoubler("Rgb/Double/RowCopies", [] { return RowCopier(); });
     AddDoubler("Rgb/Double/Swscale", [] {
         return Swscaler({3, 1}, 2 * width, 2 * height, AV_PIX_FMT_BGR24, SWS_POINT);
     });

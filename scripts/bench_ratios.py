@@ -71,7 +71,7 @@ def rgb_rows():
                 shape = f"bytes:{bytes_per_pixel}/by:{factor}"
                 for peer, aim in (("Libyuv", 0.9), ("Swscale", None)):
                     yield f"Rgb/{what}/Qmt/{shape}", f"Rgb/{what}/{peer}/{shape}", TIME, aim
-    for peer, aim in (("Memset", 0.95), ("Swscale", None)):
+    for peer, aim in (("Memset", 0.95), ("RowCopies", None), ("Swscale", None)):
         yield "Rgb/Double/Qmt", f"Rgb/Double/{peer}", TIME, aim
 
 
