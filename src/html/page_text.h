@@ -118,16 +118,14 @@ private:
     }
 
 #if defined(__SSE2__)
+    // A unit beyond a byte becomes 0 or 255, which is none of those looked for.
     static std::uint32_t HitsOf16(CodeUnit const* block) {
-        __m128i const both = _mm_packs_epi16(HitsOf8(block), HitsOf8(block + 8));
-        return static_cast<std::uint32_t>(_mm_movemask_epi8(both));
-    }
-
-    static __m128i HitsOf8(CodeUnit const* block) {
-        __m128i const eight = _mm_loadu_si128(reinterpret_cast<__m128i const*>(block));
+        static_assert(((units != 0 && units < 255) && ...));
+        auto const* const halves = reinterpret_cast<__m128i const*>(block);
+        __m128i const bytes = _mm_packus_epi16(_mm_loadu_si128(halves), _mm_loadu_si128(halves + 1));
         __m128i found = _mm_setzero_si128();
-        ((found = _mm_or_si128(found, _mm_cmpeq_epi16(eight, _mm_set1_epi16(units)))), ...);
-        return found;
+        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(units)))), ...);
+        return static_cast<std::uint32_t>(_mm_movemask_epi8(found));
     }
 #endif
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 namespace QMT {
 
@@ -10,6 +11,10 @@ namespace {
 // The tags that are moved, in the order in which a line is split at them. The order shows in the result: the
 // first tag with white space before it settles the indentation for those behind it in this list.
 enum Step { Paragraph, Cell, Formatable, Division, ParagraphEnd, DivisionEnd, FormEnd, CellEnd, StepCount };
+
+// Also moved, but without what stands behind it.
+constexpr int heading = StepCount;
+constexpr int markCount = heading + 1;
 
 constexpr TextView formEnd = u"</form>"_view;
 constexpr TextView cellEnd = u"</td>"_view;
@@ -21,23 +26,28 @@ struct Stretch {
 };
 
 // Where in the page the markers stand that a line holds: the first of each, and all line breaks.
-struct LineMarks {
-    std::array<std::size_t, StepCount> first;
-    std::size_t heading;
-    std::vector<Stretch> breaks;
-
+class LineMarks {
+public:
     void Clear() {
-        first.fill(nowhere);
-        heading = nowhere;
+        present = 0;
         breaks.clear();
     }
+
+    bool IsEmpty() const { return present == 0 && breaks.empty(); }
+
+    bool Has(int mark) const { return (present >> mark & 1U) != 0; }
+
+    // Of a mark that there is.
+    std::size_t First(int mark) const { return first[static_cast<std::size_t>(mark)]; }
+
+    std::vector<Stretch> const& Breaks() const { return breaks; }
 
     // Notes what begins at the place, where a "<" stands.
     void Note(TextView page, std::size_t place) {
         TextView const rest = page.substr(place);
         switch (rest.size() > 1 ? rest[1] : CodeUnit{0}) {
         case u'p':
-            NoteFirst(first[Paragraph], place);
+            NoteIf(true, Paragraph, place);
             break;
         case u't':
             NoteIf(BeginsWith<u"<td">(rest), Cell, place);
@@ -53,7 +63,7 @@ struct LineMarks {
             NoteBreak(rest, place);
             break;
         case u'h':
-            NoteFirst(heading, place);
+            NoteIf(true, heading, place);
             break;
         default:
             break;
@@ -61,19 +71,30 @@ struct LineMarks {
     }
 
 private:
-    static void NoteFirst(std::size_t& known, std::size_t place) { known = known == nowhere ? place : known; }
-
-    void NoteIf(bool isThere, Step step, std::size_t place) {
-        if (isThere) {
-            NoteFirst(first[step], place);
+    void NoteIf(bool isThere, int mark, std::size_t place) {
+        if (isThere && !Has(mark)) {
+            present |= 1U << mark;
+            first[static_cast<std::size_t>(mark)] = place;
         }
     }
 
     void NoteClosingTag(TextView rest, std::size_t place) {
-        NoteIf(BeginsWith<u"</p>">(rest), ParagraphEnd, place);
-        NoteIf(BeginsWith<u"</div>">(rest), DivisionEnd, place);
-        NoteIf(BeginsWith<u"</form>">(rest), FormEnd, place);
-        NoteIf(BeginsWith<u"</td>">(rest), CellEnd, place);
+        switch (rest.size() > 2 ? rest[2] : CodeUnit{0}) {
+        case u'p':
+            NoteIf(BeginsWith<u"</p>">(rest), ParagraphEnd, place);
+            break;
+        case u'd':
+            NoteIf(BeginsWith<u"</div>">(rest), DivisionEnd, place);
+            break;
+        case u'f':
+            NoteIf(BeginsWith<u"</form>">(rest), FormEnd, place);
+            break;
+        case u't':
+            NoteIf(BeginsWith<u"</td>">(rest), CellEnd, place);
+            break;
+        default:
+            break;
+        }
     }
 
     void NoteBreak(TextView rest, std::size_t place) {
@@ -83,6 +104,10 @@ private:
             breaks.push_back({place, place + normalBreak.size() - 1});
         }
     }
+
+    std::array<std::size_t, markCount> first; // of those that are present
+    std::uint32_t present = 0;                // a bit for each mark
+    std::vector<Stretch> breaks;
 };
 
 // A line break to insert, with the indentation behind it or not.
@@ -122,6 +147,40 @@ private:
     std::size_t count = 0;
 };
 
+// Units are copied in steps of so many, past their end where they can be read and written there, since a copy
+// of exactly so many as there are takes longer.
+constexpr std::size_t copyStep = 8;
+
+// Gives the place behind the units that count.
+CodeUnit* CopyInSteps(CodeUnit const* from, std::size_t count, CodeUnit* to) {
+    CodeUnit* const end = to + count;
+    for (; to < end; from += copyStep, to += copyStep)
+        std::copy_n(from, copyStep, to);
+    return end;
+}
+
+// The white space in front of a tag, its last unit first.
+class Indentation {
+public:
+    void Clear() { count = 0; }
+
+    bool IsEmpty() const { return count == 0; }
+
+    std::size_t Size() const { return count; }
+
+    void Append(CodeUnit unit) {
+        if (count == units.size())
+            units.resize(2 * units.size());
+        units[count++] = unit;
+    }
+
+    CodeUnit* CopyTo(CodeUnit* to) const { return CopyInSteps(units.data(), count, to); }
+
+private:
+    std::vector<CodeUnit> units = std::vector<CodeUnit>(4 * copyStep); // whole steps
+    std::size_t count = 0;
+};
+
 // Takes the filtered lines, each an indentation and a stretch of the page, and drops the blank ones.
 class FilledLines {
 public:
@@ -130,16 +189,15 @@ public:
           sourceLines(lineNumbers),
           text(page.size() + page.size() / 8 + slack, CodeUnit{0}) {}
 
-    void Add(TextView indent, Stretch line, std::size_t sourceLine) {
-        TextView const units = page.substr(line.begin, line.end - line.begin);
-        if (std::all_of(units.begin(), units.end(), IsWhiteSpace))
-            return;
-        CodeUnit* const start = RoomFor(indent.size() + units.size());
-        EndLine(CopyFromPage(line, Copy(indent, start)), sourceLine);
+    // `indent` may be null.
+    void Add(Indentation const* indent, Stretch line, std::size_t sourceLine) {
+        if (!IsBlank(line))
+            AddFilled(indent, line, sourceLine);
     }
 
     void AddBreak(std::size_t sourceLine) {
-        EndLine(Copy(normalBreak, RoomFor(normalBreak.size())), sourceLine);
+        CodeUnit* const to = RoomFor(normalBreak.size());
+        EndLine(std::copy(normalBreak.begin(), normalBreak.end(), to), sourceLine);
     }
 
     String Take() {
@@ -148,11 +206,21 @@ public:
     }
 
 private:
-    // Pieces are copied in steps of so many units, past their end, which later pieces then cover.
-    static constexpr std::size_t step = 8;
+    // Room for a step of a copy and for a line break.
+    static constexpr std::size_t slack = copyStep + 2;
 
-    // Room for such a step and for a line break.
-    static constexpr std::size_t slack = step + 2;
+    bool IsBlank(Stretch line) const {
+        while (line.begin != line.end && IsWhiteSpace(page[line.begin]))
+            ++line.begin;
+        return line.begin == line.end;
+    }
+
+    void AddFilled(Indentation const* indent, Stretch line, std::size_t sourceLine) {
+        CodeUnit* to = RoomFor((indent ? indent->Size() : 0) + line.end - line.begin);
+        if (indent)
+            to = indent->CopyTo(to);
+        EndLine(CopyFromPage(line, to), sourceLine);
+    }
 
     // Where the text goes on, in front of so much room.
     CodeUnit* RoomFor(std::size_t units) {
@@ -161,34 +229,24 @@ private:
         return text.data() + used;
     }
 
-    // These give the place behind what they have written.
-
-    static CodeUnit* Copy(TextView units, CodeUnit* to) {
-        for (CodeUnit const unit : units)
-            *to++ = unit;
-        return to;
-    }
-
+    // Gives the place behind what it has written.
     CodeUnit* CopyFromPage(Stretch line, CodeUnit* to) const {
-        CodeUnit const* from = page.data() + line.begin;
-        CodeUnit const* const end = page.data() + line.end;
-        if (page.size() - line.end < step)
-            return std::copy(from, end, to);
-        CodeUnit* const toEnd = to + (end - from);
-        for (; from < end; from += step, to += step)
-            std::copy_n(from, step, to);
-        return toEnd;
+        if (page.size() - line.end < copyStep)
+            return std::copy(page.data() + line.begin, page.data() + line.end, to);
+        return CopyInSteps(page.data() + line.begin, line.end - line.begin, to);
     }
 
     void EndLine(CodeUnit* to, std::size_t sourceLine) {
-        used = static_cast<std::size_t>(Copy(lineBreak, to) - text.data());
+        to[0] = lineBreak.front();
+        to[1] = lineBreak.back();
+        used = static_cast<std::size_t>(to - text.data()) + lineBreak.size();
         if (sourceLines)
             sourceLines->push_back(sourceLine);
     }
 
     TextView page;
     std::vector<std::size_t>* sourceLines;
-    TextBuffer const lineBreak{(String() << newline).View()};
+    TextBuffer const lineBreak{(String() << newline).View()}; // one or two units
     TextBuffer text;
     std::size_t used = 0;
 };
@@ -209,8 +267,12 @@ public:
         for (std::size_t begin = 0; begin < page.size();) {
             std::size_t const end = ReadMarks(begin);
             ++lineNumber;
-            FindSplits({begin, end});
-            WritePieces({begin, end});
+            if (marks.IsEmpty()) {
+                out.Add(nullptr, {begin, end}, lineNumber);
+            } else {
+                FindSplits({begin, end});
+                WritePieces({begin, end});
+            }
             begin = BehindLineBreak(page, end);
         }
         return out.Take();
@@ -231,10 +293,10 @@ private:
 
     void FindSplits(Stretch line) {
         splits.Clear();
-        indent.clear();
+        indent.Clear();
         SplitAtOpeningTag(line, Paragraph);
         SplitAtOpeningTag(line, Cell);
-        if (marks.first[Formatable] != nowhere) {
+        if (marks.Has(Formatable)) {
             SplitBeforeFormatable(line);
         } else {
             SplitAtOpeningTag(line, Division);
@@ -243,16 +305,16 @@ private:
         SplitAtClosingTag(line, DivisionEnd, divisionEnd);
         SplitAtClosingTag(line, FormEnd, formEnd);
         SplitAtClosingTag(line, CellEnd, cellEnd);
-        if (marks.heading != nowhere && !page.substr(marks.heading).starts_with(u"<html"_view)) {
-            SplitBefore(marks.heading, false);
+        if (marks.Has(heading) && !BeginsWith<u"<html">(page.substr(marks.First(heading)))) {
+            SplitBefore(marks.First(heading), false);
         }
     }
 
     void SplitAtOpeningTag(Stretch line, Step step) {
-        std::size_t const begin = marks.first[step];
-        if (begin == nowhere) {
+        if (!marks.Has(step)) {
             return;
         }
+        std::size_t const begin = marks.First(step);
         std::size_t const close = page.substr(0, line.end).find(u'>', begin);
         if (close != nowhere) {
             SplitOff(line, {begin, close + 1}, true);
@@ -260,24 +322,23 @@ private:
     }
 
     void SplitAtClosingTag(Stretch line, Step step, TextView tag) {
-        std::size_t const begin = marks.first[step];
-        if (begin != nowhere) {
-            SplitOff(line, {begin, begin + tag.size()}, step != CellEnd);
+        if (marks.Has(step)) {
+            SplitOff(line, {marks.First(step), marks.First(step) + tag.size()}, step != CellEnd);
         }
     }
 
     // Puts the tag on a line of its own.
     void SplitOff(Stretch line, Stretch tag, bool mayBeIndented) {
-        bool const wasSettled = !indent.empty();
+        bool const wasSettled = !indent.IsEmpty();
         SplitBefore(StepBackOverWhitespace(line, tag.begin), wasSettled && mayBeIndented);
         // What stands behind the tag goes in front of all that earlier steps have inserted there.
-        splits.InsertInFront({tag.end, !indent.empty()});
+        splits.InsertInFront({tag.end, !indent.IsEmpty()});
     }
 
     // The rest of the line stays behind this tag, and white space before it is repeated by the indentation.
     void SplitBeforeFormatable(Stretch line) {
-        std::size_t const begin = StepBackOverWhitespace(line, marks.first[Formatable]);
-        SplitBefore(begin, !indent.empty());
+        std::size_t const begin = StepBackOverWhitespace(line, marks.First(Formatable));
+        SplitBefore(begin, !indent.IsEmpty());
     }
 
     void SplitBefore(std::size_t place, bool isIndented) { splits.InsertBehind({place, isIndented}); }
@@ -285,28 +346,28 @@ private:
     // Where a tag begins with the white space before it, which becomes the indentation, its last unit first.
     // Once there is an indentation, tags begin where they stand.
     std::size_t StepBackOverWhitespace(Stretch line, std::size_t place) {
-        if (!indent.empty()) {
+        if (!indent.IsEmpty()) {
             return place;
         }
         for (; place > line.begin && (page[place - 1] == u' ' || page[place - 1] == u'\t'); --place) {
-            indent += page[place - 1];
+            indent.Append(page[place - 1]);
         }
         return place;
     }
 
     void WritePieces(Stretch line) {
-        TextView indentHere;
+        Indentation const* indentHere = nullptr;
         auto const* split = splits.begin();
         auto const writeTo = [&](std::size_t end) {
             for (; split != splits.end() && split->place <= end; ++split) {
                 out.Add(indentHere, {line.begin, split->place}, lineNumber);
-                indentHere = split->isIndented ? TextView(indent) : TextView();
+                indentHere = split->isIndented ? &indent : nullptr;
                 line.begin = split->place;
             }
             out.Add(indentHere, {line.begin, end}, lineNumber);
-            indentHere = {};
+            indentHere = nullptr;
         };
-        for (Stretch const& lineBreak : marks.breaks) {
+        for (Stretch const& lineBreak : marks.Breaks()) {
             writeTo(lineBreak.begin);
             out.AddBreak(lineNumber);
             line.begin = lineBreak.end;
@@ -321,7 +382,7 @@ private:
     // Of the line at hand; they keep their storage from line to line.
     LineMarks marks;
     Splits splits;
-    TextBuffer indent;
+    Indentation indent;
 };
 
 } // namespace
