@@ -28,13 +28,13 @@ void ChainLink::LinkToFollowing(ChainLink* link) {
     link->preceeding = this;
 }
 
-ChainLink* ChainLink::GetPreceeding() {
-    return preceeding;
-}
-
 // Whoever pushes here has written to the ring of the predecessor.
 void ChainLink::PushProcess() {
-    if (preceeding != nullptr)
+    if (coupled)
+        ProcessAndPush();
+    else if (pushTask != nullptr)
+        pushTask->Notify();
+    else if (preceeding != nullptr)
         preceeding->buffers.pushes.Add();
 }
 

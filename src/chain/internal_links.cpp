@@ -6,25 +6,14 @@
 namespace QMT {
 
 InternalPushLink::InternalPushLink()
-    : task(new LinkTask("PushLink Semaphore", u"InternalPushLink", &DoPushProcessing, this)) {}
+    : task(new LinkTask("PushLink Semaphore", u"InternalPushLink", &DoPushProcessing, this)) {
+    pushTask = task.get();
+}
 
 InternalPushLink::~InternalPushLink() = default;
 
 void InternalPushLink::CoupleToPredecessor() {
     coupled = true;
-}
-
-void InternalPushLink::PushProcess() {
-    if (coupled)
-        ProcessAndPush();
-    else
-        task->Notify();
-}
-
-void InternalPushLink::ProcessAndPush() {
-    DoProcess();
-    if (following != nullptr)
-        following->PushProcess();
 }
 
 void InternalPushLink::DoPushProcessing(void* link, Event* stopEvent) {

@@ -48,9 +48,10 @@ public:
     virtual void LinkToFollowing(ChainLink* link);
 
     // The link before this one; null until it is set.
-    virtual ChainLink* GetPreceeding();
+    virtual ChainLink* GetPreceeding() { return preceeding; }
 
-    // Says that a buffer has been written to the ring of the predecessor. Here it is only counted.
+    // Says that a buffer has been written to the ring of the predecessor. A link that is not driven by pushes
+    // only counts it; for one that is, see `InternalPushLink`.
     virtual void PushProcess();
 
     // Says that the successor wants a buffer in this link's ring. Here it is only counted.
@@ -105,6 +106,17 @@ private:
         buffers.processed.Add();
         Process();
     }
+
+    void ProcessAndPush() {
+        DoProcess();
+        if (following != nullptr)
+            following->PushProcess();
+    }
+
+    // What drives an `InternalPushLink`. It is here because that derives virtually: a push would have to look
+    // up the way there, and for the next link the way back, and each waits for the one before.
+    bool coupled = false;
+    LinkTask* pushTask = nullptr; // null unless pushes drive the link
 
     RotatingFixedBuffers buffers;
     String traceName;
@@ -190,7 +202,7 @@ public:
     // From now on `Process` runs on the pushing thread. There is no way back. Before the first push only.
     void CoupleToPredecessor();
 
-    void PushProcess() override;
+    using ChainLink::PushProcess; // as told above
 
     // Stops the own task, then passes the stop to the next link.
     void StopLinkedProcessing() override;
@@ -203,10 +215,8 @@ private:
     friend class CrossoverLink;
     friend class ParallelPushLinkArray;
 
-    void ProcessAndPush();
     bool StopPushTask();
 
-    bool coupled = false;
     std::unique_ptr<LinkTask> task;
 };
 
