@@ -37,7 +37,7 @@ void NameCurrentThread(char const* name) {
 
 SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle) {
     static_assert(sizeof(pthread_t) <= sizeof(ThreadHandle));
-    auto start = std::make_unique<Start>(run, argument);
+    std::unique_ptr<Start> start(new Start{run, argument});
     pthread_t thread{};
     if (int const error = pthread_create(&thread, nullptr, Run, start.get()))
         return static_cast<SystemError>(error);
