@@ -23,7 +23,7 @@ struct AppConfigTest : testing::Test {
     TempDirectory directory;
     TestRegistry inner = RegistryIn(directory);
     CountingRegistry registry{*inner};
-    RegistryInUse inUse{registry};
+    std::shared_ptr<Registry> const former = PutInUse(registry);
     RegistryCalls calls{*inner};
 };
 

@@ -15,7 +15,7 @@ struct RegistryTreeTest : testing::TestWithParam<bool> {
     TempDirectory directory;
     TestRegistry inner = GetParam() ? MakeMemoryRegistry() : RegistryIn(directory);
     CountingRegistry registry{*inner};
-    RegistryInUse inUse{registry};
+    std::shared_ptr<Registry> const former = PutInUse(registry);
     RegistryCalls calls{*inner};
     bool const isReal = systemHasRegistry && !GetParam();
     RealRegistryTree tree{user, u"R", u"A"};

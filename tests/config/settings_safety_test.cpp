@@ -45,7 +45,7 @@ int NumberOf(String const& text, std::size_t longest) {
 class Store {
 public:
     Store(bool isRegistry, TempDirectory const& directory)
-        : registry(RegistryIn(directory)), inUse(*registry), files(directory.Path()) {
+        : registry(RegistryIn(directory)), former(PutInUse(*registry)), files(directory.Path()) {
         EXPECT_EQ(isRegistry ? TakeError(app.CheckExists(false)) : u"", u"");
         settings = isRegistry ? static_cast<SettingsStore*>(&app) : &files;
     }
@@ -60,7 +60,7 @@ public:
 
 private:
     TestRegistry registry;
-    RegistryInUse inUse;
+    std::shared_ptr<Registry> former;
     AppConfig app{u"M", u"P", u"", false};
     FileTreeConfig files;
     SettingsStore* settings;

@@ -1,17 +1,8 @@
 #include "qmt/diagnostics/realtime_report.h"
 
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <functional>
-#include <limits>
 #include <set>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "qmt/chain/thread_pool.h"
 #include "qmt/helpers/system.h"

@@ -1,9 +1,10 @@
 #include "qmt/general/files.h"
 
+#include <fstream>
+
 #include "support/memory_medium.h"
 #include "support/temp_directory.h"
 #include "support/text.h"
-#include "support/this_system.h"
 
 namespace QMT {
 
@@ -230,8 +231,10 @@ TEST(DiscDirectory, IsMadeAndListsByKindAndMask) {
 TEST(DiscDirectory, TakesNamesOfAnyKind) {
     TempDirectory place;
     std::vector<String> names{u"\u20AC\U0001F600"};
-    if (TakesLoneSurrogates())
-        names.insert(names.end(), {u"\xD800x", u"y\xDC80"});
+    std::basic_string<CodeUnit> const odd{0xD800, u'x'}; // a name that Windows takes and wine does not
+    bool const takesAll = !PathSeparatorIsBackslash() || std::ofstream(place.Place() / odd);
+    if (takesAll)
+        names.insert(names.end(), {String(odd), u"y\xDC80"});
     for (String const& name : names)
         EXPECT_EQ(Write(place.Path(name), nullptr, false, u"1"), u"");
     std::vector<Directory::Entry> entries;
@@ -239,7 +242,7 @@ TEST(DiscDirectory, TakesNamesOfAnyKind) {
     EXPECT_EQ(entries.size(), names.size());
     for (auto const& entry : entries)
         EXPECT_EQ(ReadLines(place.Path(entry.name), nullptr), u"1|");
-    if (!TakesLoneSurrogates())
+    if (!takesAll)
         GTEST_SKIP() << "wine takes no lone surrogate in a file's name; other names were tried";
 }
 

@@ -9,24 +9,20 @@ namespace QMT {
 class NativeTable {
 public:
     // Takes the lines of a table file.
-    explicit NativeTable(std::string const& lines) { Read(lines, table); }
+    explicit NativeTable(std::string const& lines) { MakeCurrent(lines); }
 
-    ~NativeTable() {
-        static Map<String, String> last;
-        Read("", last);
-    }
+    NativeTable(NativeTable&&) = delete;
 
-    NativeTable(NativeTable const&) = delete;
-    NativeTable& operator=(NativeTable const&) = delete;
+    ~NativeTable() { MakeCurrent(""); }
 
 private:
-    void Read(std::string const& lines, Map<String, String>& into) {
+    static void MakeCurrent(std::string const& lines) {
+        static Map<String, String> table;
+        table.RemoveAll();
+        MemoryMedium medium;
         medium.files[u"table"] = lines;
-        ReadNativeStrings(u"table", into, &medium);
+        ReadNativeStrings(u"table", table, &medium);
     }
-
-    MemoryMedium medium;
-    Map<String, String> table;
 };
 
 } // namespace QMT

@@ -1,14 +1,12 @@
 // Counts what real-time code must not do.
 #pragma once
 
+#include <array>
+
 namespace QMT {
 
-struct PathCounts {
-    bool operator==(PathCounts const&) const = default;
-
-    // But for the system calls by which threads sleep, wake, yield and read the clock.
-    long allocations = 0, locks = 0, systemCalls = 0;
-};
+// Allocations, locks, and system calls but for those by which threads sleep, wake, yield and read the clock.
+using PathCounts = std::array<long, 3>;
 
 // Why nothing can be counted here; null when it can.
 char const* WhyPathsAreNotCounted();
@@ -20,8 +18,5 @@ void CountThisThread();
 
 // Gives what was done since `OpenWindow`, by the thread that has called it and all others.
 PathCounts CloseWindow();
-
-// Makes one system call.
-void EnterSystem();
 
 } // namespace QMT

@@ -20,7 +20,7 @@ namespace QMT {
 namespace {
 
 std::atomic<bool> windowIsOpen{false};
-std::atomic<long> allocations{0}, locks{0}, systemCalls{0};
+std::atomic<long> allocations, locks, systemCalls;
 
 thread_local char selector = SYSCALL_DISPATCH_FILTER_ALLOW;
 
@@ -84,10 +84,6 @@ PathCounts CloseWindow() {
     windowIsOpen = false;
     selector = SYSCALL_DISPATCH_FILTER_ALLOW;
     return {allocations, locks, systemCalls};
-}
-
-void EnterSystem() {
-    getppid();
 }
 
 } // namespace QMT

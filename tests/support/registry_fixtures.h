@@ -23,19 +23,10 @@ TestRegistry RegistryIn(TempDirectory const& directory);
 extern bool const systemHasRegistry;
 extern std::uint32_t const fileIsThere, noSuchDirectory; // numbers of the system
 
-// Puts a registry in place of the system's for as long as it lives.
-class RegistryInUse {
-public:
-    explicit RegistryInUse(Registry& registry) : before(UseRegistry(&registry)) {}
-
-    RegistryInUse(RegistryInUse const&) = delete;
-    RegistryInUse& operator=(RegistryInUse const&) = delete;
-
-    ~RegistryInUse() { UseRegistry(before); }
-
-private:
-    Registry* before;
-};
+// Puts a registry in place of the system's until the result, and with it each copy, is gone.
+inline std::shared_ptr<Registry> PutInUse(Registry& registry) {
+    return {UseRegistry(&registry), &UseRegistry};
+}
 
 // What several calls gave, in order: results, errors or names.
 using Results = std::vector<std::uint32_t>;

@@ -16,11 +16,14 @@ namespace {
 
 std::wstring const keyOfTests = L"Software\\QmtUtiluTests";
 
+void Check(LSTATUS result, char const* fault) {
+    if (result != ERROR_SUCCESS)
+        throw std::system_error(result, std::system_category(), fault);
+}
+
 HKEY Make(std::wstring const& path) {
     HKEY key = nullptr;
-    LSTATUS const result = ::RegCreateKeyW(HKEY_CURRENT_USER, path.c_str(), &key);
-    if (result != ERROR_SUCCESS)
-        throw std::system_error(result, std::system_category(), "cannot make a key for the test");
+    Check(::RegCreateKeyW(HKEY_CURRENT_USER, path.c_str(), &key), "cannot make a key for the test");
     return key;
 }
 
@@ -37,10 +40,8 @@ std::wstring KeyOfProgram() {
 
 // Lets the root be the key, which is closed; null brings back the root.
 void Redirect(HKEY root, HKEY key) {
-    LSTATUS const result = ::RegOverridePredefKey(root, key);
+    Check(::RegOverridePredefKey(root, key), "cannot put a key in place of a root");
     ::RegCloseKey(key);
-    if (result != ERROR_SUCCESS)
-        throw std::system_error(result, std::system_category(), "cannot put a key in place of a root");
 }
 
 } // namespace

@@ -14,9 +14,6 @@ void SetVariable(char const* name, char const* value);
 // The name under which the system shows the calling thread; empty when it shows none.
 std::string ShownThreadName();
 
-// Whether a file's name may hold a lone surrogate. Wine, unlike Windows, takes none.
-bool TakesLoneSurrogates();
-
 // Gathers what goes to the developer's debug output from any thread, one at a time in the process.
 class DebugOutput {
 public:

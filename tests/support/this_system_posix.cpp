@@ -3,9 +3,10 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
-#include <iterator>
 
 #include <gtest/gtest.h>
+
+#include "support/file_content.h"
 
 namespace QMT {
 
@@ -23,10 +24,6 @@ std::string ShownThreadName() {
     return name;
 }
 
-bool TakesLoneSurrogates() {
-    return true;
-}
-
 DebugOutput::DebugOutput() {
     testing::internal::CaptureStderr();
 }
@@ -42,8 +39,7 @@ std::map<std::string, std::string> SystemZones() {
     std::filesystem::path const root = given ? given : "/usr/share/zoneinfo";
     std::map<std::string, std::string> names;
     for (auto const& entry : std::filesystem::recursive_directory_iterator(root)) {
-        std::ifstream file(entry.is_regular_file() ? entry.path() : "", std::ios::binary);
-        std::string const data(std::istreambuf_iterator<char>(file), {});
+        std::string const data = entry.is_regular_file() ? ContentOf(entry.path()) : "";
         if (data.starts_with("TZif"))
             names.emplace(data, entry.path().lexically_relative(root).string());
     }

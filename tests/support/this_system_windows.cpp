@@ -15,18 +15,14 @@ std::string gathered;
 void* gathering = nullptr;
 
 std::string ToUtf8(std::wstring const& text) {
-    std::string bytes(text.size() * 3, '\0');
-    int const size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
-                                         static_cast<int>(bytes.size()), nullptr, nullptr);
-    bytes.resize(static_cast<std::size_t>(size));
-    return bytes;
+    std::u8string const bytes = std::filesystem::path(text).u8string();
+    return {bytes.begin(), bytes.end()};
 }
 
-std::wstring FromAnsi(std::string const& bytes) {
-    std::wstring text(bytes.size(), L'\0');
-    int const size = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
-                                         static_cast<int>(text.size()));
-    text.resize(static_cast<std::size_t>(size));
+std::wstring FromAnsi(char const* bytes, std::size_t count) {
+    std::wstring text(count, L'\0');
+    int const size = static_cast<int>(count);
+    text.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, bytes, size, text.data(), size)));
     return text;
 }
 
@@ -39,38 +35,37 @@ LONG CALLBACK Gather(EXCEPTION_POINTERS* pointers) {
     if (record.ExceptionCode != wideOutput && record.ExceptionCode != ansiOutput)
         return EXCEPTION_CONTINUE_SEARCH;
     auto const size = static_cast<std::size_t>(record.ExceptionInformation[0] - 1);
-    auto const* const text = reinterpret_cast<void const*>(record.ExceptionInformation[1]);
+    auto const text = record.ExceptionInformation[1];
     std::scoped_lock const lock(gatheringMutex);
-    gathered += ToUtf8(record.ExceptionCode == wideOutput
-                           ? std::wstring(static_cast<wchar_t const*>(text), size)
-                           : FromAnsi(std::string(static_cast<char const*>(text), size)));
+    gathered +=
+        ToUtf8(record.ExceptionCode == wideOutput ? std::wstring(reinterpret_cast<wchar_t const*>(text), size)
+                                                  : FromAnsi(reinterpret_cast<char const*>(text), size));
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-DYNAMIC_TIME_ZONE_INFORMATION ZoneOfName(std::wstring const& name) {
-    DYNAMIC_TIME_ZONE_INFORMATION zone{};
-    for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &zone) == ERROR_SUCCESS; ++i)
-        if (name == zone.TimeZoneKeyName)
-            return zone;
-    GetDynamicTimeZoneInformation(&zone);
-    return zone;
+using Zones = std::map<std::wstring, DYNAMIC_TIME_ZONE_INFORMATION>;
+
+Zones const& AllZones() {
+    static Zones const zones = [] {
+        Zones found;
+        DYNAMIC_TIME_ZONE_INFORMATION zone{};
+        for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &zone) == ERROR_SUCCESS; ++i)
+            found.emplace(zone.TimeZoneKeyName, zone);
+        return found;
+    }();
+    return zones;
 }
 
-// The facts of a year in the zone that "TZ" names, those asked for last at hand.
-TIME_ZONE_INFORMATION& FactsOf(WORD year) {
-    static std::wstring zoneName;
-    static DYNAMIC_TIME_ZONE_INFORMATION zone{};
-    static std::map<WORD, TIME_ZONE_INFORMATION> years;
+// The facts of a year in the zone that "TZ" names.
+TIME_ZONE_INFORMATION const& FactsOf(WORD year) {
+    static std::map<std::pair<std::wstring, WORD>, TIME_ZONE_INFORMATION> known;
     wchar_t name[128] = L"";
     GetEnvironmentVariableW(L"TZ", name, 128);
-    if (name != zoneName) {
-        zoneName = name;
-        zone = ZoneOfName(name);
-        years.clear();
-    }
-    auto const [place, isNew] = years.try_emplace(year);
-    if (isNew)
+    auto const [place, isNew] = known.try_emplace({name, year});
+    if (isNew) {
+        auto zone = AllZones().at(name);
         GetTimeZoneInformationForYear(year, &zone, &place->second);
+    }
     return place->second;
 }
 
@@ -94,7 +89,8 @@ std::int64_t ToSeconds(SYSTEMTIME const& fields) {
 
 SYSTEMTIME LocalTimeBy(WORD year, SYSTEMTIME const& utc) {
     SYSTEMTIME local{};
-    SystemTimeToTzSpecificLocalTime(&FactsOf(year), &utc, &local);
+    auto facts = FactsOf(year);
+    SystemTimeToTzSpecificLocalTime(&facts, &utc, &local);
     return local;
 }
 
@@ -114,13 +110,6 @@ std::string ShownThreadName() {
     return name;
 }
 
-bool TakesLoneSurrogates() {
-    std::wstring const file = std::filesystem::temp_directory_path().native() + L"qmt\xD800";
-    HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                      FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    return handle != INVALID_HANDLE_VALUE && CloseHandle(handle);
-}
-
 DebugOutput::DebugOutput() {
     gathered.clear();
     gathering = AddVectoredExceptionHandler(1, Gather);
@@ -137,9 +126,8 @@ std::string DebugOutput::Take() {
 
 std::map<std::string, std::string> SystemZones() {
     std::map<std::string, std::string> names;
-    DYNAMIC_TIME_ZONE_INFORMATION zone{};
-    for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &zone) == ERROR_SUCCESS; ++i) {
-        std::string const name = ToUtf8(zone.TimeZoneKeyName);
+    for (auto const& [wideName, zone] : AllZones()) {
+        std::string const name = ToUtf8(wideName);
         // In "TZ" a name such as "UTC-02" means two hours east of UTC, for the system a zone to the west.
         if (name.find_first_of("+-") == std::string::npos)
             names.emplace(name, name);
