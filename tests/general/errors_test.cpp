@@ -7,12 +7,6 @@ namespace QMT {
 
 namespace {
 
-TEST(Errors, JoinMessageAndDetailStraight) {
-    EXPECT_EQ(TakeError(MakeError(u"Disc full")), u"Disc full");
-    EXPECT_EQ(TakeError(MakeError(u"Couldn't open x:", u" Error code = 5")),
-              u"Couldn't open x: Error code = 5");
-}
-
 TEST(Errors, DebugOutputGetsWholeLines) {
     DebugOutput output;
     LogToIDE(u"one \u20AC");

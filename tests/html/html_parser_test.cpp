@@ -11,16 +11,6 @@ namespace {
 using Strings = VArray<String, String>;
 using Table = Map<String, String>;
 
-std::vector<String> Elements(String const& text, bool ParsableText::*flag) {
-    std::vector<String> found;
-    ParsableText elements(text);
-    if (flag)
-        elements.*flag = true;
-    for (String element; elements.GetNextElem(&element, 0);)
-        found.push_back(element);
-    return found;
-}
-
 template <typename Array>
 std::vector<String> VectorOf(Array const& array) {
     std::vector<String> list;
@@ -46,21 +36,20 @@ protected:
 
     // Markers, some cut off, words and line ends in any order.
     String RandomPieces(std::size_t count) {
-        static std::vector<String> const markers =
-            Elements(u"<p>\t<p>\t</p>\t</p>\t<p class=x\t<pre>\t<td\t</td>\t<div\t<div>\t</div>\t"
-                     u"<div></div><div></div>\t<div id=\"formatable\"\t<form>\t</form>\t<br/>\t<br />\t"
-                     u"<br>\t<h\t<h1>\t</h1>\t<html\t</html>\t<head>\t</head>\t<title>\t</title>\t"
-                     u"<label\t</label>\t<span>\t<a href=\"\t.htm\t</a>\tvalue=\"\tplaceholder=\"\t"
-                     u"type=\"hidden\"\ttype=\"radio\"\ttype=\"checkbox\"\t<select\t</select>\t<input\t"
-                     u"<meta name=\"description\" content=\"\t&nbsp;\t<b>\t>\t>\t>\t>\t<\t\"\t\"\t\"\t"
-                     u"a\tBe.\tnet work\tthose\tsame.\t\u00e4\t.",
-                     &ParsableText::splitOnFields);
+        static std::vector<String> const markers = ReferenceParser::Split(
+            u"<p>\n<p>\n</p>\n</p>\n<p class=x\n<pre>\n<td\n</td>\n<div\n<div>\n</div>\n"
+            u"<div></div><div></div>\n<div id=\"formatable\"\n<form>\n</form>\n<br/>\n<br />\n"
+            u"<br>\n<h\n<h1>\n</h1>\n<html\n</html>\n<head>\n</head>\n<title>\n</title>\n"
+            u"<label\n</label>\n<span>\n<a href=\"\n.htm\n</a>\nvalue=\"\nplaceholder=\"\n"
+            u"type=\"hidden\"\ntype=\"radio\"\ntype=\"checkbox\"\n<select\n</select>\n<input\n"
+            u"<meta name=\"description\" content=\"\n&nbsp;\n<b>\n>\n>\n>\n>\n<\n\"\n\"\n\"\n"
+            u"a\nBe.\nnet work\nthose\nsame.\n\u00e4\n.",
+            true);
         String page;
         for (; count > 0; --count)
-            page << (OneIn(4) ? Pick({u" ", u"\t", u"\n", u"\n", u"\r\n", u"\r"})
-                     : OneIn(50)
-                         ? String(std::basic_string<CodeUnit>(OneIn(4) ? 300 : 1, OneIn(2) ? u'a' : u'\0'))
-                         : Pick(markers));
+            page << (OneIn(4)    ? Pick({u" ", u"\t", u"\n", u"\n", u"\r\n", u"\r"})
+                     : OneIn(50) ? Repeated(OneIn(4) ? 300 : 1, OneIn(2) ? u'a' : u'\0')
+                                 : Pick(markers));
         return page;
     }
 
@@ -127,7 +116,7 @@ TEST_F(HtmlParserTest, AgreesWithThePlainRulesOnRandomPages) {
 
 TEST_F(HtmlParserTest, AnEmptyTableAndWrappingKeepTheWordsOfOrderlyPages) {
     auto const words = [](String const& page) {
-        std::vector<String> kept = Elements(page, nullptr);
+        std::vector<String> kept = ReferenceParser::Split(page, false);
         std::erase_if(kept, [](String const& word) { return word == u"<br" || word == u"/>"; });
         return kept;
     };
@@ -136,9 +125,9 @@ TEST_F(HtmlParserTest, AnEmptyTableAndWrappingKeepTheWordsOfOrderlyPages) {
         HtmlParser parser(OrderlyPage(fieldTexts));
         String const before = parser.GetAlteredHtml();
         parser.SubstituteNativeStrings(Table(), false);
-        std::vector<String> lines = Elements(parser.GetAlteredHtml(), &ParsableText::splitOnLineEnds);
+        std::vector<String> lines = ReferenceParser::Split(parser.GetAlteredHtml(), true);
         ASSERT_EQ(std::erase(lines, String()), fieldTexts);
-        ASSERT_EQ(lines, Elements(before, &ParsableText::splitOnLineEnds));
+        ASSERT_EQ(lines, ReferenceParser::Split(before, true));
         parser.FormatForCharactersWidth(static_cast<int>(random() % 50) - 5);
         ASSERT_EQ(words(parser.GetAlteredHtml()), words(before));
     }
@@ -163,7 +152,7 @@ TEST_F(HtmlParserTest, CoverageTellsWhatIsMissingUnusedAndLost) {
 
 // A search in quadratic time would run into the test's time limit.
 TEST(HtmlPages, LongTextsThatRepeatThemselvesAreReplaced) {
-    String const start = u"<h1>" + String(std::basic_string<CodeUnit>(2'000'000, u'a'));
+    String const start = u"<h1>" + Repeated(2'000'000, u'a');
     String const text = start.Mid(4) + u"b";
     Table table;
     table.Insert(text, u"short");

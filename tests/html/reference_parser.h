@@ -57,9 +57,19 @@ public:
         html = output;
     }
 
-private:
     using Row = std::vector<String>;
 
+    // The lines of the text, or its words.
+    static Row Split(String const& text, bool atLineEnds) {
+        Row parts;
+        ParsableText elements(text);
+        elements.splitOnLineEnds = atLineEnds;
+        for (String part; elements.GetNextElem(&part, 0);)
+            parts.push_back(part);
+        return parts;
+    }
+
+private:
     static int Len(String const& text) { return static_cast<int>(text.Len()); }
 
     static String Cut(String const& text, int begin, int end) {
@@ -74,15 +84,6 @@ private:
 
     static bool HasOneOf(String const& text, Row const& parts) {
         return std::ranges::any_of(parts, [&](String const& part) { return Has(text, part); });
-    }
-
-    static Row Split(String const& text, bool atLineEnds) {
-        Row parts;
-        ParsableText elements(text);
-        elements.splitOnLineEnds = atLineEnds;
-        for (String part; elements.GetNextElem(&part, 0);)
-            parts.push_back(part);
-        return parts;
     }
 
     static void StepBack(String const& text, int& at, String& indent) {
@@ -107,8 +108,7 @@ private:
     }
 
     void PreFilter() {
-        String first;
-        for (String line : Split(html, true)) {
+        for (String line : Split(std::exchange(html, {}), true)) {
             String indent;
             SplitOff(line, indent, u"<p");
             SplitOff(line, indent, u"<td");
@@ -125,12 +125,10 @@ private:
                     Rewrite(line, at, lineEnd + u" <br />" + lineEnd, at + Len(tag));
             if (int const at = Find(line, u"<h"); at >= 0 && Find(line, u"<html") != at)
                 Rewrite(line, at, lineEnd, at);
-            first << line << newline;
+            for (String const& part : Split(line, true))
+                if (!String(part).TrimAll().IsEmpty())
+                    html << part << newline;
         }
-        html.SetEmpty();
-        for (String const& line : Split(first, true))
-            if (!String(line).TrimAll().IsEmpty())
-                html << line << newline;
     }
 
     void CollectOrSubstitute(String const& text, String const& line, String& output) {

@@ -18,8 +18,7 @@ public:
             ::_exit(work() ? 0 : 1);
     }
 
-    ChildProcess(ChildProcess const&) = delete;
-    ChildProcess& operator=(ChildProcess const&) = delete;
+    ChildProcess(ChildProcess&&) = delete;
 
     ~ChildProcess() {
         if (process > 0 && ::kill(process, SIGKILL) == 0)

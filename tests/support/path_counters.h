@@ -8,8 +8,8 @@ namespace QMT {
 // Allocations, locks, and system calls but for those by which threads sleep, wake, yield and read the clock.
 using PathCounts = std::array<long, 3>;
 
-// Why nothing can be counted here; null when it can.
-char const* WhyPathsAreNotCounted();
+// Whether this kernel dispatches system calls to the program; nothing can be counted otherwise.
+bool CanCountPaths();
 
 // From now on until `CloseWindow` everything is counted; system calls only on the calling thread and on those
 // that call `CountThisThread` within the window. Such a thread starts no other thread.

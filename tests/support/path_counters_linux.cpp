@@ -55,7 +55,9 @@ std::uintptr_t InstallHandler() {
     return installed[2];
 }
 
-bool IsDispatched() {
+} // namespace
+
+bool CanCountPaths() {
     static std::uintptr_t const returningCode = InstallHandler();
     constexpr long longestCode = 16;
     thread_local int const result =
@@ -63,14 +65,8 @@ bool IsDispatched() {
     return result == 0;
 }
 
-} // namespace
-
-char const* WhyPathsAreNotCounted() {
-    return IsDispatched() ? nullptr : "this kernel does not dispatch system calls to the program";
-}
-
 void CountThisThread() {
-    if (windowIsOpen && IsDispatched())
+    if (windowIsOpen && CanCountPaths())
         selector = SYSCALL_DISPATCH_FILTER_BLOCK;
 }
 

@@ -32,8 +32,7 @@ public:
     SyncAction(char const* pointName, std::function<bool()>) : name(pointName) {}
 #endif
 
-    SyncAction(SyncAction const&) = delete;
-    SyncAction& operator=(SyncAction const&) = delete;
+    SyncAction(SyncAction&&) = delete;
 
 private:
     [[maybe_unused]] char const* name;

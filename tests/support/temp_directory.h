@@ -16,8 +16,7 @@ class TempDirectory {
 public:
     TempDirectory() : place(fs::temp_directory_path() / MakeName()) { fs::create_directory(place); }
 
-    TempDirectory(TempDirectory const&) = delete;
-    TempDirectory& operator=(TempDirectory const&) = delete;
+    TempDirectory(TempDirectory&&) = delete;
 
     ~TempDirectory() {
         std::error_code ignored;

@@ -19,8 +19,7 @@ class DebugOutput {
 public:
     DebugOutput();
     ~DebugOutput();
-    DebugOutput(DebugOutput const&) = delete;
-    DebugOutput& operator=(DebugOutput const&) = delete;
+    DebugOutput(DebugOutput&&) = delete;
 
     // As UTF-8, with a line feed behind each line.
     std::string Take();

@@ -31,8 +31,7 @@ public:
         PortableTime::Terminate();
     }
 
-    ZoneScope(ZoneScope const&) = delete;
-    ZoneScope& operator=(ZoneScope const&) = delete;
+    ZoneScope(ZoneScope&&) = delete;
 
     // The records stay until the next refresh, as they do after `SetZone`.
     void StandAt(UTCTime const& now) { seconds = (now - Epoch()).GetTotalSeconds(); }
