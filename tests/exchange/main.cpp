@@ -1,9 +1,10 @@
 // Writes one file of each format into a folder, or writes to another file what it reads from them:
 //
 //     exchange write FOLDER
-//     exchange read FOLDER RESULT
+//     exchange read FOLDER RESULT, which is an absolute path
 //
 // scripts/check_exchange.py has it done by the builds for two systems, each with the other's files.
+#include <filesystem>
 #include <iterator>
 #include <memory>
 
@@ -36,12 +37,6 @@ String Name(std::size_t number) {
     return String(u"entry ") << static_cast<unsigned int>(number);
 }
 
-struct Folder {
-    String Path(char16_t const* name) const { return folder + BaseFile::GetDirSeparator() + name; }
-
-    String folder;
-};
-
 void WriteFile(String path, String const& text) {
     FormatableTextFile file(std::move(path), nullptr);
     Check(file.Open(false));
@@ -50,10 +45,9 @@ void WriteFile(String path, String const& text) {
     Check(file.Close());
 }
 
-void Write(Folder const& place) {
-    Check(DiscDirectory(place.Path(u"Configuration"), {}, u"*").EnsureExists());
-    FileTreeConfig settings(place.folder);
-    SetErrLogPath(place.folder);
+void Write() {
+    FileTreeConfig settings(u".");
+    SetErrLogPath(u".");
     PortableTime::InstallCurrentTimeModifier([]() -> PortableTime { return UTCTime(2024, 3, 5, 14, 7, 9); });
     StartMillisecsCount();
     RealTimeReport::TurnReportIngOn();
@@ -66,8 +60,8 @@ void Write(Folder const& place) {
         REALTIMETRACE(values[i], static_cast<int>(i));
         RealTimeReport::reportItems[i]->SetAddTime(static_cast<unsigned int>(10 * i));
     }
-    WriteFile(place.Path(u"table.txt"), table);
-    RealTimeReport::WriteReport(place.Path(u"report.txt"));
+    WriteFile(u"table.txt", table);
+    RealTimeReport::WriteReport(u"report.txt");
 }
 
 String LinesOf(String path) {
@@ -81,14 +75,14 @@ String LinesOf(String path) {
     return lines;
 }
 
-String Read(Folder const& place) {
-    FileTreeConfig settings(place.folder);
+String Read() {
+    FileTreeConfig settings(u".");
     Map<String, String> table;
-    ReadNativeStrings(place.Path(u"table.txt"), table);
+    ReadNativeStrings(u"table.txt", table);
     String all;
     for (std::size_t i = 0; i < std::size(values); ++i)
         all << settings.GetString(u"section", Name(i), u"none") << u'|' << NATIVE(Name(i)) << u'|';
-    return all << LinesOf(place.Path(u"1.log")) << LinesOf(place.Path(u"report.txt"));
+    return all << LinesOf(u"1.log") << LinesOf(u"report.txt");
 }
 
 } // namespace
@@ -96,12 +90,12 @@ String Read(Folder const& place) {
 
 int main(int count, char** arguments) {
     using namespace QMT;
-    Folder const place{DecodeFromUTF8(count > 2 ? arguments[2] : "", false)};
+    if (count != 3 && count != 4)
+        return 1;
+    std::filesystem::current_path(arguments[2]);
     if (count == 3)
-        Write(place);
-    else if (count == 4)
-        WriteFile(DecodeFromUTF8(arguments[3], false), Read(place));
+        Write();
     else
-        hasFailed = true;
+        WriteFile(DecodeFromUTF8(arguments[3], false), Read());
     return hasFailed ? 1 : 0;
 }

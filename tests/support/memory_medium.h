@@ -17,7 +17,7 @@ public:
     std::map<String, std::string> files;
     std::size_t longestRead = 1 << 20;
     std::string failing;           // the operation that fails, after doing half of its work
-    std::vector<std::string> done; // "write 0 5" and the like, reads left out
+    std::vector<std::string> done; // "write 0 5" or "cut 5"
 
     ErrorInfo* Open(String path, Access access, std::unique_ptr<File>& file) override {
         if (failing == "open" || (access == Access::Read && !files.contains(path)))
@@ -46,7 +46,6 @@ private:
         }
 
         ErrorInfo* Append(char const* bytes, std::size_t count) override {
-            medium.done.push_back("append " + std::to_string(count));
             content.append(bytes, medium.failing == "append" ? 0 : count);
             return Outcome("append");
         }
