@@ -49,7 +49,7 @@ void NameCurrentThread(char const* name) {
 // Not by the language's library: under mingw-w64 that stands on a thread library which gives the record of a
 // detached thread that ends to the next one too early, and then that next one ends without having run.
 SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle) {
-    auto start = std::make_unique<Start>(run, argument);
+    auto start = std::make_unique<Start>(Start{run, argument});
     SetLastError(ERROR_SUCCESS);
     std::uintptr_t const thread = _beginthreadex(nullptr, 0, Run, start.get(), 0, nullptr);
     if (thread == 0) {
