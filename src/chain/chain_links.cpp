@@ -30,11 +30,7 @@ void ChainLink::LinkToFollowing(ChainLink* link) {
 
 // Whoever pushes here has written to the ring of the predecessor.
 void ChainLink::PushProcess() {
-    if (coupled)
-        ProcessAndPush();
-    else if (pushTask != nullptr)
-        pushTask->Notify();
-    else if (preceeding != nullptr)
+    if (preceeding != nullptr)
         preceeding->buffers.pushes.Add();
 }
 

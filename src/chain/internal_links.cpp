@@ -6,14 +6,19 @@
 namespace QMT {
 
 InternalPushLink::InternalPushLink()
-    : task(new LinkTask("PushLink Semaphore", u"InternalPushLink", &DoPushProcessing, this)) {
-    pushTask = task.get();
-}
+    : task(new LinkTask("PushLink Semaphore", u"InternalPushLink", &DoPushProcessing, this)) {}
 
 InternalPushLink::~InternalPushLink() = default;
 
 void InternalPushLink::CoupleToPredecessor() {
     coupled = true;
+}
+
+void InternalPushLink::PushProcess() {
+    if (coupled)
+        asLink->ProcessAndPush();
+    else
+        task->Notify();
 }
 
 void InternalPushLink::DoPushProcessing(void* link, Event* stopEvent) {

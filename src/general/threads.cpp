@@ -19,6 +19,7 @@ struct Thread::Imp {
     Event* ended;
     bool joins;
     bool selfDeletes = false;
+    bool isStarted = false;
     void (*startFunction)() = nullptr;
     platform::ThreadHandle joined = 0;
 };
@@ -48,11 +49,15 @@ ErrorInfo* Thread::StartRunning() {
     message << DecodeFromUTF8(imp->name == nullptr ? "" : imp->name, false) << u"\".";
     if (QMT_FAULT_POINT("Thread::StartRunning"))
         return MakeError(std::move(message));
+    if (std::exchange(imp->isStarted, true))
+        return MakeError(std::move(message), u" It has been started before.");
     // Once the thread exists a self-deleting object may be gone, so nothing of it is touched any more.
     platform::ThreadHandle* const handle = imp->joins ? &imp->joined : nullptr;
     auto const run = [](void* thread) { static_cast<Thread*>(thread)->Run(); };
-    if (platform::SystemError const error = platform::StartThread(run, this, handle))
+    if (platform::SystemError const error = platform::StartThread(run, this, handle)) {
+        imp->isStarted = false;
         return MakeError(std::move(message), SystemErrorText(error));
+    }
     return nullptr;
 }
 

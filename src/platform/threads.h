@@ -19,7 +19,8 @@ using ThreadHandle = std::uintptr_t;
 // wrong, and then nothing runs. Allocates.
 SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle);
 
-// Waits until the thread is gone, its thread-local variables included.
+// Waits until the thread is gone, its thread-local variables included. Ends the process when it cannot, as on
+// the thread itself.
 void JoinThread(ThreadHandle thread);
 
 } // namespace QMT::platform

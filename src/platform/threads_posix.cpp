@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <cstring>
+#include <exception>
 #include <memory>
 
 namespace QMT::platform {
@@ -50,7 +51,8 @@ SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle
 }
 
 void JoinThread(ThreadHandle thread) {
-    pthread_join(reinterpret_cast<pthread_t>(thread), nullptr);
+    if (pthread_join(reinterpret_cast<pthread_t>(thread), nullptr) != 0)
+        std::terminate();
 }
 
 } // namespace QMT::platform

@@ -4,6 +4,7 @@
 
 #include <process.h>
 
+#include <exception>
 #include <memory>
 
 #if defined(__MINGW32__)
@@ -66,7 +67,8 @@ SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle
 
 void JoinThread(ThreadHandle thread) {
     auto* const handle = reinterpret_cast<HANDLE>(thread);
-    WaitForSingleObject(handle, INFINITE);
+    if (GetThreadId(handle) == GetCurrentThreadId() || WaitForSingleObject(handle, INFINITE) != WAIT_OBJECT_0)
+        std::terminate();
     CloseHandle(handle);
 }
 

@@ -17,7 +17,8 @@ TEST_F(InternalLinks, CountIsWorthOneProcessAndOneStepToTheNeighbour) {
     source.onCall = [&] { EXPECT_EQ(pull.calls, source.pulls) << "the pull comes before the process"; };
     for (int i = 0; i < 5; ++i) {
         push.PushProcess();
-        push.PullProcess(); // nothing
+        push.PullProcess();            // nothing
+        push.ChainLink::PushProcess(); // nothing
         pull.PullProcess();
         pull.PushProcess(); // nothing
     }
@@ -32,6 +33,7 @@ TEST_F(InternalLinks, CountIsWorthOneProcessAndOneStepToTheNeighbour) {
     EXPECT_TRUE(IsStopped(push) && IsStopped(pull));
     push.CoupleToPredecessor();
     push.PushProcess();
+    push.ChainLink::PushProcess();
     EXPECT_TRUE(push.calls == 7 && next.pushes == 7) << "a coupled link runs inside the push";
     push.StopLinkedProcessing();
     EXPECT_TRUE(next.stops == 4 && startedThreads == 2);

@@ -64,8 +64,11 @@ TEST(Thread, RunsItsStepsInOrderHoweverItEnds) {
         auto* const worker = new Worker(round % 3, &ended, selfDeletes ? nullptr : &exited);
         EXPECT_EQ(TakeError(worker->StartRunning()), u"");
         WaitOnEvents(events, -1);
-        if (!selfDeletes)
+        if (!selfDeletes) {
+            EXPECT_EQ(TakeError(worker->StartRunning()),
+                      u"Cannot start the thread \"worker-of-sixteen\". It has been started before.");
             delete worker;
+        }
         EXPECT_TRUE(steps == (round % 3 == 0 ? "scccod" : "sccced") && exited != selfDeletes) << steps;
     }
     EXPECT_EQ(output.Take().size(), 400 * std::string("trouble\n").size());

@@ -50,8 +50,7 @@ public:
     // The link before this one; null until it is set.
     virtual ChainLink* GetPreceeding() { return preceeding; }
 
-    // Says that a buffer has been written to the ring of the predecessor. A link that is not driven by pushes
-    // only counts it; for one that is, see `InternalPushLink`.
+    // Says that a buffer has been written to the ring of the predecessor. Here it is only counted.
     virtual void PushProcess();
 
     // Says that the successor wants a buffer in this link's ring. Here it is only counted.
@@ -108,15 +107,11 @@ private:
     }
 
     void ProcessAndPush() {
+        ChainLink* const next = following; // here, so that nothing waits for it behind Process
         DoProcess();
-        if (following != nullptr)
-            following->PushProcess();
+        if (next != nullptr)
+            next->PushProcess();
     }
-
-    // What drives an `InternalPushLink`. It is here because that derives virtually: a push would have to look
-    // up the way there, and for the next link the way back, and each waits for the one before.
-    bool coupled = false;
-    LinkTask* pushTask = nullptr; // null unless pushes drive the link
 
     RotatingFixedBuffers buffers;
     String traceName;
@@ -202,7 +197,7 @@ public:
     // From now on `Process` runs on the pushing thread. There is no way back. Before the first push only.
     void CoupleToPredecessor();
 
-    using ChainLink::PushProcess; // as told above
+    void PushProcess() override;
 
     // Stops the own task, then passes the stop to the next link.
     void StopLinkedProcessing() override;
@@ -217,6 +212,8 @@ private:
 
     bool StopPushTask();
 
+    ChainLink* const asLink = this; // or each push would have to look the virtual base up
+    bool coupled = false;
     std::unique_ptr<LinkTask> task;
 };
 

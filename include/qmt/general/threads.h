@@ -48,12 +48,14 @@ public:
     Thread(Thread const&) = delete;
     Thread& operator=(Thread const&) = delete;
 
-    // The object must not have a running thread.
+    // The object must not have a running thread. Ends the process when that thread itself destroys an object
+    // that joins it.
     virtual ~Thread();
 
     // Starts the system's thread; what this thread did before is seen by the new one. An error is the
     // caller's to delete, and then no thread runs and the object is still the caller's. After a success
-    // a self-deleting object may be gone at any moment.
+    // a self-deleting object may be gone at any moment; another object gives an error when it is started
+    // again.
     virtual ErrorInfo* StartRunning();
 
 protected:
