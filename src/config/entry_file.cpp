@@ -14,8 +14,10 @@ namespace QMT {
 
 namespace {
 
-constexpr int mostReads = 12;
-constexpr int readsWithoutPause = 3;
+// Beside a writer that goes on and on, most reads at once after another find it idle, and most of those that
+// follow a pause do not; a writer that was held up in the middle needs the pauses.
+constexpr int mostReads = 25;
+constexpr int readsWithoutPause = 16;
 constexpr unsigned int pause = 1; // milliseconds
 
 // In front of another read, so many of which have not been enough.
