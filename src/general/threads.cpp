@@ -21,6 +21,7 @@ struct Thread::Imp {
     bool selfDeletes = false;
     bool isStarted = false;
     void (*startFunction)() = nullptr;
+    platform::ThreadMain main{};
     platform::ThreadHandle joined = 0;
 };
 
@@ -53,8 +54,8 @@ ErrorInfo* Thread::StartRunning() {
         return MakeError(std::move(message), u" It has been started before.");
     // Once the thread exists a self-deleting object may be gone, so nothing of it is touched any more.
     platform::ThreadHandle* const handle = imp->joins ? &imp->joined : nullptr;
-    auto const run = [](void* thread) { static_cast<Thread*>(thread)->Run(); };
-    if (platform::SystemError const error = platform::StartThread(run, this, handle)) {
+    imp->main = {[](void* thread) { static_cast<Thread*>(thread)->Run(); }, this};
+    if (platform::SystemError const error = platform::StartThread(imp->main, handle)) {
         imp->isStarted = false;
         return MakeError(std::move(message), SystemErrorText(error));
     }

@@ -14,10 +14,15 @@ void NameCurrentThread(char const* name);
 // A thread to wait for: the system's handle, never 0.
 using ThreadHandle = std::uintptr_t;
 
-// Starts a thread that calls `run` with `argument`. With `handle` null nobody waits for the thread; otherwise
-// it becomes the thread's, to be given to `JoinThread` once. Gives 0, or the system's number for what went
-// wrong, and then nothing runs. Allocates.
-SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle);
+struct ThreadMain {
+    void (*run)(void*);
+    void* argument;
+};
+
+// Starts a thread that calls `main.run` with its argument; `main` must stay until that call. With `handle`
+// null nobody waits for the thread; otherwise it becomes the thread's, to be given to `JoinThread` once.
+// Gives 0, or the system's number for what went wrong, and then nothing runs.
+SystemError StartThread(ThreadMain& main, ThreadHandle* handle);
 
 // Waits until the thread is gone, its thread-local variables included. Ends the process when it cannot, as on
 // the thread itself.

@@ -4,21 +4,14 @@
 
 #include <cstring>
 #include <exception>
-#include <memory>
 
 namespace QMT::platform {
 
 namespace {
 
-struct Start {
-    void (*run)(void*);
-    void* argument;
-};
-
-void* Run(void* started) {
-    std::unique_ptr<Start> const owned(static_cast<Start*>(started));
-    Start const start = *owned;
-    start.run(start.argument);
+void* Run(void* threadMain) {
+    auto const& main = *static_cast<ThreadMain const*>(threadMain);
+    main.run(main.argument);
     return nullptr;
 }
 
@@ -36,13 +29,11 @@ void NameCurrentThread(char const* name) {
 #endif
 }
 
-SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle) {
+SystemError StartThread(ThreadMain& main, ThreadHandle* handle) {
     static_assert(sizeof(pthread_t) <= sizeof(ThreadHandle));
-    std::unique_ptr<Start> start(new Start{run, argument});
     pthread_t thread{};
-    if (int const error = pthread_create(&thread, nullptr, Run, start.get()))
+    if (int const error = pthread_create(&thread, nullptr, Run, &main))
         return static_cast<SystemError>(error);
-    static_cast<void>(start.release());
     if (handle != nullptr)
         *handle = reinterpret_cast<ThreadHandle>(thread);
     else

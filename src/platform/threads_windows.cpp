@@ -5,7 +5,6 @@
 #include <process.h>
 
 #include <exception>
-#include <memory>
 
 #if defined(__MINGW32__)
 #include <cxxabi.h>
@@ -18,16 +17,10 @@ namespace QMT::platform {
 
 namespace {
 
-struct Start {
-    void (*run)(void*);
-    void* argument;
-};
-
 // An exception that leaves the thread ends the process, as on every system.
-unsigned __stdcall Run(void* started) noexcept {
-    std::unique_ptr<Start> const owned(static_cast<Start*>(started));
-    Start const start = *owned;
-    start.run(start.argument);
+unsigned __stdcall Run(void* threadMain) noexcept {
+    auto const& main = *static_cast<ThreadMain const*>(threadMain);
+    main.run(main.argument);
     return 0;
 }
 
@@ -49,15 +42,13 @@ void NameCurrentThread(char const* name) {
 
 // Not by the language's library: under mingw-w64 that stands on a thread library which gives the record of a
 // detached thread that ends to the next one too early, and then that next one ends without having run.
-SystemError StartThread(void (*run)(void*), void* argument, ThreadHandle* handle) {
-    auto start = std::make_unique<Start>(Start{run, argument});
+SystemError StartThread(ThreadMain& main, ThreadHandle* handle) {
     SetLastError(ERROR_SUCCESS);
-    std::uintptr_t const thread = _beginthreadex(nullptr, 0, Run, start.get(), 0, nullptr);
+    std::uintptr_t const thread = _beginthreadex(nullptr, 0, Run, &main, 0, nullptr);
     if (thread == 0) {
         SystemError const error = LastSystemError();
         return error == ERROR_SUCCESS ? ERROR_NO_SYSTEM_RESOURCES : error;
     }
-    static_cast<void>(start.release());
     if (handle != nullptr)
         *handle = thread;
     else
